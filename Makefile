@@ -1,0 +1,39 @@
+# Front door: `make demo`, `make test`, `make bench`.
+# SANITIZE=1 builds with clang, AddressSanitizer and UndefinedBehaviorSanitizer.
+JOBS ?= 2
+BUILD_TYPE ?= RelWithDebInfo
+
+ifeq ($(SANITIZE),1)
+BUILD_DIR ?= build-sanitize
+DEPS_FLAGS := --sanitize
+CMAKE_FLAGS += -DCMAKE_CXX_COMPILER=clang++ -DKDBIND_SANITIZE=ON
+else
+BUILD_DIR ?= build
+endif
+
+.PHONY: all deps configure build test demo bench clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh $(DEPS_FLAGS)
+
+configure: deps
+	@cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) $(CMAKE_FLAGS) >/dev/null
+
+build: configure
+	@cmake --build $(BUILD_DIR) -j$(JOBS)
+
+test: build
+	@ctest --test-dir $(BUILD_DIR) --output-on-failure -j$(JOBS)
+
+demo: build
+	@$(BUILD_DIR)/examples/kdbind_demo
+
+bench: deps
+	@cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DKDBIND_BUILD_BENCH=ON -DKDBIND_BUILD_TESTS=OFF >/dev/null
+	@cmake --build build-bench -j$(JOBS)
+	@for b in build-bench/bench/kdbind_bench_*; do if [ -x "$$b" ]; then "$$b" || exit 1; fi; done
+
+clean:
+	rm -rf build build-sanitize build-bench

@@ -1,0 +1,280 @@
+// KdBind binding engine: the options record, the root of all bindable
+// objects with its entry points, and the base of generated classes.
+#ifndef KDBIND_BINDING_H
+#define KDBIND_BINDING_H
+
+#include <string>
+#include <vector>
+
+#include "kdbind/fastinfoset.h"
+#include "kdbind/xmlinput.h"
+#include "kdbind/xmloutput.h"
+
+namespace KdBindData {
+class CParentElementInfo;
+class CElementInfo;
+class CAttributeInfo;
+} // namespace KdBindData
+
+namespace KdBind {
+
+class CXmlElement;
+class CElement;
+class CAttributeCol;
+class CXmlObjectBase;
+class CXmlCollectionBase;
+
+// ---------------------------------------------------------------------------
+// Process-wide switches; plain variables, to be set before work starts.
+// ---------------------------------------------------------------------------
+
+extern bool ASYNC_TOXMLFILE;
+extern bool ASCII_ONLY;
+void AsyncToXmlFile(bool async);
+void ASCIIOnly(bool asciiOnly);
+
+// ---------------------------------------------------------------------------
+// The options of one read or write.
+// ---------------------------------------------------------------------------
+
+class CXmlSerializationContext {
+public:
+    CXmlSerializationContext();
+    // Shares the additional root attributes; copies everything else.
+    CXmlSerializationContext(CXmlSerializationContext const& other);
+    CXmlSerializationContext& operator=(CXmlSerializationContext const&) = delete;
+    virtual ~CXmlSerializationContext();
+
+    // The default argument of every entry point.
+    static CXmlSerializationContext m_defaultContext;
+
+    bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
+    void SetIgnoreUnknownAttributes(bool value) { m_ignoreUnknownAttributes = value; }
+    bool GetIgnoreUnknownElements() const { return m_ignoreUnknownElements; }
+    // Refused while IgnoreMissingMandatoryElements is set: the two cannot be combined.
+    void SetIgnoreUnknownElements(bool value);
+    bool GetIgnoreMissingMandatoryElements() const { return m_ignoreMissingMandatoryElements; }
+    // Refused while IgnoreUnknownElements is set.
+    void SetIgnoreMissingMandatoryElements(bool value);
+    bool GetIgnoreMissingChoice() const { return m_ignoreMissingChoice; }
+    void SetIgnoreMissingChoice(bool value) { m_ignoreMissingChoice = value; }
+    bool GetIgnoreInvalidCollectionCounts() const { return m_ignoreInvalidCollectionCounts; }
+    void SetIgnoreInvalidCollectionCounts(bool value) { m_ignoreInvalidCollectionCounts = value; }
+    // Also true under schema type 2, whatever the flag says.
+    bool GetIgnoreNamespaces() const
+    {
+        return m_ignoreNamespaces || m_schemaType == SchemaType_IgnoreNamespaces;
+    }
+    void SetIgnoreNamespaces(bool value) { m_ignoreNamespaces = value; }
+    bool GetNoOptionalAttributeDefaultOutput() const { return m_noOptionalAttributeDefaultOutput; }
+    void SetNoOptionalAttributeDefaultOutput(bool value) { m_noOptionalAttributeDefaultOutput = value; }
+    bool GetStripCDATA() const { return m_stripCDATA; }
+    void SetStripCDATA(bool value) { m_stripCDATA = value; }
+    SchemaType GetSchemaType() const { return m_schemaType; }
+    void SetSchemaType(SchemaType value) { m_schemaType = value; }
+    std::string GetDefaultNamespaceURI() const { return m_defaultNamespaceURI; }
+    void SetDefaultNamespaceURI(char const* uri) { m_defaultNamespaceURI = uri ? uri : ""; }
+    std::string GetInLineSchema() const { return m_inLineSchema; }
+    void SetInLineSchema(char const* schema) { m_inLineSchema = schema ? schema : ""; }
+
+    CNamespaceAliasMap& GetNamespaceAliases() { return m_namespaceAliases; }
+    CNamespaceAliasMap const& GetNamespaceAliases() const { return m_namespaceAliases; }
+    // Callers fill the list directly; there is no setter.
+    std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
+    std::vector<std::string> const& GetProcessingInstructions() const { return m_processingInstructions; }
+
+private:
+    std::string m_defaultNamespaceURI;
+    CNamespaceAliasMap m_namespaceAliases;
+    std::vector<std::string> m_processingInstructions;
+    std::string m_inLineSchema;
+    bool m_ignoreInvalidCollectionCounts = false;
+    bool m_ignoreMissingChoice = false;
+    bool m_ignoreMissingMandatoryElements = false;
+    bool m_ignoreUnknownElements = false;
+    bool m_ignoreUnknownAttributes = false;
+    bool m_ignoreNamespaces = false;
+    SchemaType m_schemaType = SchemaType_Default;
+    bool m_noOptionalAttributeDefaultOutput = false;
+    bool m_stripCDATA = true;
+};
+
+// ---------------------------------------------------------------------------
+// Events by which a collection tells its owner that it changed.
+// ---------------------------------------------------------------------------
+
+class IEventSink {
+public:
+    enum MsgType {
+        MsgType_CollectionChanged = 0,
+        MsgType_ItemAdding = 1,
+        MsgType_ItemAdded = 2,
+        MsgType_ItemRemoving = 3,
+        MsgType_ItemRemoved = 4
+    };
+    virtual void OnEvent(CXmlObjectBase* source, MsgType type, void* data) = 0;
+
+protected:
+    ~IEventSink() = default;
+};
+
+// ---------------------------------------------------------------------------
+// The root of every bindable object: reference count, element name and the
+// entry points to and from XML.
+// ---------------------------------------------------------------------------
+
+class CXmlObjectBase : public IEventSink {
+public:
+    CXmlObjectBase();
+    CXmlObjectBase(CXmlObjectBase const& other);
+    CXmlObjectBase& operator=(CXmlObjectBase const& other);
+
+    void OnEvent(CXmlObjectBase* source, IEventSink::MsgType type, void* data) override;
+    virtual CXmlObjectBase* GetBase() = 0;
+    virtual void ToXmlFile(char const* path, bool declaration = true, bool formatted = true,
+                           XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
+                           CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext,
+                           CompressionType compression = CompressionType_None) const;
+    virtual void ToFastInfosetFile(char const* path, FInfoDecl declaration = FInfoDecl_10_Encoding,
+                                   CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext,
+                                   CompressionType compression = CompressionType_None) const;
+    virtual std::string ToXml(bool declaration = true, bool formatted = true, EOLType eol = EOLType_LF,
+                              CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext) const;
+    virtual CBinaryData ToXmlStream(bool declaration = true, bool formatted = true,
+                                    XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
+                                    CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext,
+                                    CompressionType compression = CompressionType_None) const;
+    virtual CBinaryData ToFastInfosetStream(FInfoDecl declaration = FInfoDecl_10_Encoding,
+                                            CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext,
+                                            CompressionType compression = CompressionType_None) const;
+    virtual void FromXmlFile(char const* path,
+                             CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXml(char const* xml,
+                         CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXml(wchar_t const* xml,
+                         CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXmlStream(unsigned char* data, unsigned long length,
+                               CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXmlStream(CBinaryData const& data,
+                               CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXmlElement(CXmlElement const* element,
+                                CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXmlElement(CElement const* element,
+                                CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext);
+    virtual ~CXmlObjectBase();
+    // The namespace URI of the object's own tag when it is the root.
+    virtual std::string GetTargetNamespace() const = 0;
+    // The namespace handed to child entries on input.
+    virtual std::string GetNamespace() const = 0;
+
+protected:
+    virtual void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& context) const;
+    virtual void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                           bool isOptional) const = 0;
+    virtual CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
+                                     CXmlSerializationContext const& context, bool isOptional) = 0;
+
+public:
+    long AddRef();
+    // Destroys the object when the count comes to exactly 0; an object that
+    // was never counted goes to -1 and lives on.
+    long Release();
+    std::string GetElementName() const { return m_elementName; }
+    void SetElementName(char const* name) { m_elementName = name ? name : ""; }
+    CXmlObjectBase const* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
+
+    // Trampolines through which metadata classes reach the protected slots.
+    static void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
+                                    CXmlSerializationContext const& context);
+    static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool root, char const* ns,
+                          CXmlSerializationContext const& context, bool isOptional);
+    static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
+                                    CXmlSerializationContext const& context);
+
+private:
+    std::string m_elementName;
+    CKDCriticalSection m_lock;
+    long m_refCount = 0;
+};
+
+// ---------------------------------------------------------------------------
+// The base of generated classes: walks the class's metadata tables.
+// ---------------------------------------------------------------------------
+
+class CXmlGeneratedClass : public CXmlObjectBase {
+public:
+    ~CXmlGeneratedClass() override;
+
+    // Frees the tables of a class; they can be rebuilt afterwards.
+    static void CleanMetaData(KdBindData::CParentElementInfo*& classInfo, KdBindData::CElementInfo**& elements,
+                              KdBindData::CAttributeInfo**& attributes);
+
+    // The contract with generated code.
+    virtual void AccessProperty(int propertyId, bool readAccess, KdVariant& value) = 0;
+    virtual KdBindData::CParentElementInfo* GetClassInfo() const = 0;
+    virtual KdBindData::CElementInfo** GetClassElementInfo() const = 0;
+    virtual KdBindData::CAttributeInfo** GetClassAttributeInfo() const = 0;
+    virtual void Init() = 0;
+
+    void ReadProperty(int propertyId, KdVariant& value) const;
+    int GetClassElementInfoCount() const;
+    bool IsElementInList(CXmlSerializationContext const& context, CXmlElement* element) const;
+    bool DoesElementContainOptionalElements() const;
+    void ProcessAttributesToXml(CXmlSerializationContext const& context, KdBindData::CElementInfo** elements,
+                                KdBindData::CAttributeInfo** attributes, CXmlWriter* writer) const;
+    void ProcessElementSeqToXml(CXmlSerializationContext const& context, KdBindData::CElementInfo** elements,
+                                CXmlWriter* writer) const;
+    void ProcessElementAllToXml(CXmlSerializationContext const& context, KdBindData::CElementInfo** elements,
+                                CXmlWriter* writer) const;
+    void ProcessElementChoiceToXml(CXmlSerializationContext const& context, KdBindData::CElementInfo** elements,
+                                   CXmlWriter* writer, bool isOptional) const;
+
+protected:
+    void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& context) const override;
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& context,
+                             bool isOptional) override;
+};
+
+// ---------------------------------------------------------------------------
+// The base of every collection: items' name and namespace, occurs and
+// listeners. A collection is itself an object, so metadata reads and writes
+// it through the same slots as any child.
+// ---------------------------------------------------------------------------
+
+class CXmlCollectionBase : public CXmlObjectBase {
+public:
+    CXmlCollectionBase();
+    CXmlCollectionBase(char const* elementName, char const* ns, int minOccurs, int maxOccurs);
+
+    CXmlObjectBase* GetBase() override { return this; }
+    std::string GetTargetNamespace() const override;
+    std::string GetNamespace() const override { return m_namespace; }
+
+    virtual int GetCount() const = 0;
+    virtual void Clear() = 0;
+    virtual void Remove(int index) = 0;
+    virtual void ValidateCount(CXmlSerializationContext const& context) const;
+
+    int GetMinOccurs() const { return m_minOccurs; }
+    int GetMaxOccurs() const { return m_maxOccurs; }
+
+    void AddEventListener(IEventSink* listener);
+    void RemoveEventListener(IEventSink* listener);
+    void FireOnCollectionChange();
+    void FireOnCollectionAdd(void* item);
+    void FireOnCollectionAddComplete(void* item);
+    void FireOnCollectionRemove(int index);
+    void FireOnCollectionRemoveComplete(int index);
+
+protected:
+    std::string m_namespace;
+    std::vector<IEventSink*> m_listeners;
+    int m_minOccurs = 0;
+    int m_maxOccurs = -1;
+};
+
+} // namespace KdBind
+
+#endif

@@ -1,0 +1,263 @@
+// KdBind runtime foundation: failures, message formatting, the item kinds,
+// the reference-holding pointer, the lock, facets, encodings and byte streams.
+//
+// The public headers are layered: runtime <- values <- xmloutput <- xmlinput
+// <- fastinfoset <- binding <- metadata. Each type is declared in the lowest
+// header whose dependencies are complete there.
+#ifndef KDBIND_RUNTIME_H
+#define KDBIND_RUNTIME_H
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include <pthread.h>
+
+// ---------------------------------------------------------------------------
+// Global helpers: marker base, lock, counted pointer.
+// ---------------------------------------------------------------------------
+
+// Inert marker base: takes the class name and keeps nothing.
+class CInstanceMonitor {
+public:
+    explicit CInstanceMonitor(char const* /*className*/) {}
+    virtual ~CInstanceMonitor() = default;
+};
+
+// A non-recursive mutex. Neither operation reports a failure.
+class CKDCriticalSection {
+public:
+    CKDCriticalSection();
+    virtual ~CKDCriticalSection();
+    CKDCriticalSection(CKDCriticalSection const&) = delete;
+    CKDCriticalSection& operator=(CKDCriticalSection const&) = delete;
+
+    void Enter();
+    void Leave();
+
+private:
+    pthread_mutex_t m_mutex;
+};
+
+// Holds one reference on an object of the CXmlObjectBase family (anything
+// with AddRef/Release). Null is allowed.
+template <class T>
+class CSmartPtr {
+public:
+    CSmartPtr() : m_p(nullptr) {}
+    CSmartPtr(T* p) : m_p(p) { if (m_p) m_p->AddRef(); }
+    CSmartPtr(CSmartPtr const& other) : m_p(other.m_p) { if (m_p) m_p->AddRef(); }
+    template <class U>
+    CSmartPtr(CSmartPtr<U> const& other) : m_p(other.get()) { if (m_p) m_p->AddRef(); }
+    CSmartPtr(CSmartPtr&& other) noexcept : m_p(other.m_p) { other.m_p = nullptr; }
+    ~CSmartPtr() { if (m_p) m_p->Release(); }
+
+    // Reference the new object first, so that assigning an object to the
+    // pointer that already holds it cannot destroy it.
+    CSmartPtr& operator=(T* p)
+    {
+        if (p) p->AddRef();
+        T* old = m_p;
+        m_p = p;
+        if (old) old->Release();
+        return *this;
+    }
+    CSmartPtr& operator=(CSmartPtr const& other) { return *this = other.m_p; }
+    CSmartPtr& operator=(CSmartPtr&& other) noexcept
+    {
+        if (this != &other) {
+            T* old = m_p;
+            m_p = other.m_p;
+            other.m_p = nullptr;
+            if (old) old->Release();
+        }
+        return *this;
+    }
+
+    T* operator->() const { return m_p; }
+    T& operator*() const { return *m_p; }
+    operator T*() const { return m_p; }
+    T* get() const { return m_p; }
+
+private:
+    T* m_p;
+};
+
+namespace KdBind {
+
+// ---------------------------------------------------------------------------
+// Failures. Thrown by value; each holds a message and an owned inner failure.
+// ---------------------------------------------------------------------------
+
+class CKdException {
+public:
+    CKdException();
+    CKdException(std::string message);
+    CKdException(std::string message, CKdException const& inner);
+    CKdException(CKdException const& other);
+    virtual ~CKdException();
+    virtual CKdException* Clone() const;
+
+    // Replaces the inner pointer without destroying the previous inner:
+    // assignment only swaps the pointer, by design.
+    CKdException& operator=(CKdException const& other);
+
+    std::string GetMessage() const { return m_message; }
+    CKdException* GetInnerException() const { return m_inner; }
+    // The message, then one line per inner failure, outermost first.
+    std::string GetFullMessage() const;
+
+private:
+    std::string m_message;
+    CKdException* m_inner;
+};
+
+#define KDBIND_DECLARE_EXCEPTION(Name, Base)                                   \
+    class Name : public Base {                                                 \
+    public:                                                                    \
+        Name() = default;                                                      \
+        Name(std::string message) : Base(std::move(message)) {}               \
+        Name(std::string message, CKdException const& inner)                   \
+            : Base(std::move(message), inner) {}                               \
+        Name(CKdException const& other) : Base(other) {}                       \
+        Name(Name const& other) : Base(static_cast<CKdException const&>(other)) {} \
+        CKdException* Clone() const override { return new Name(*this); }      \
+    }
+
+KDBIND_DECLARE_EXCEPTION(CKdOverFlowException, CKdException);
+KDBIND_DECLARE_EXCEPTION(CKdInvalidParamException, CKdException);
+KDBIND_DECLARE_EXCEPTION(CKdInvalidStateException, CKdException);
+KDBIND_DECLARE_EXCEPTION(CKdValidationException, CKdException);
+KDBIND_DECLARE_EXCEPTION(CKdInvalidNamespaceException, CKdValidationException);
+KDBIND_DECLARE_EXCEPTION(CKdInvalidValueException, CKdValidationException);
+
+#undef KDBIND_DECLARE_EXCEPTION
+
+// ---------------------------------------------------------------------------
+// Message formatting and small helpers.
+// ---------------------------------------------------------------------------
+
+std::string FormatV(char const* format, va_list args);
+std::string FormatString(char const* format, ...) __attribute__((format(printf, 1, 2)));
+void FindReplace(std::string& text, std::string const& find, std::string const& replacement);
+void FindReplace(std::wstring& text, std::wstring const& find, std::wstring const& replacement);
+char* strupr(char* text);
+long _filelength(FILE* stream);
+
+// ---------------------------------------------------------------------------
+// The primitive kinds; also the tag of KdVariant. The values are fixed:
+// generated code passes them to metadata constructors.
+// ---------------------------------------------------------------------------
+
+enum ItemType {
+    ItemType_invalid = 0,
+    ItemType_hexBinary = 1,
+    ItemType_base64Binary = 2,
+    ItemType_i1 = 3,
+    ItemType_i2 = 4,
+    ItemType_i4 = 5,
+    ItemType_i8 = 6,
+    ItemType_ui1 = 7,
+    ItemType_ui2 = 8,
+    ItemType_ui4 = 9,
+    ItemType_ui8 = 10,
+    ItemType_r4 = 11,
+    ItemType_r8 = 12,
+    ItemType_duration = 13,
+    ItemType_yearMonth = 14,
+    ItemType_monthDay = 15,
+    ItemType_year = 16,
+    ItemType_month = 17,
+    ItemType_day = 18,
+    ItemType_date = 19,
+    ItemType_datetime = 20,
+    ItemType_time = 21,
+    ItemType_char = 22,
+    ItemType_string = 23,
+    ItemType_boolean = 24,
+    ItemType_decimal = 25,
+    ItemType_integer = 26,
+    ItemType_xmlObject = 27,
+    ItemType_xmlCollection = 28
+};
+
+// The name text of a primitive kind ("hexBinary" ... "integer"), or null
+// for 0, 27, 28 and values out of range.
+char const* ItemTypeName(int type);
+
+// ---------------------------------------------------------------------------
+// Enumerations of the entry points.
+// ---------------------------------------------------------------------------
+
+// Encoding named in the XML declaration and used by byte streams.
+enum XmlEncoding {
+    XmlEncoding_None = 0,            // no encoding named; GetEncodedStream refuses it
+    XmlEncoding_UTF8 = 1,
+    XmlEncoding_UTF16 = 2,
+    XmlEncoding_UTF16_NoDecl = 3     // UTF-16, but the declaration names no encoding
+};
+
+enum EOLType {
+    EOLType_CRLF = 0,
+    EOLType_LF = 1
+};
+
+enum CompressionType {
+    CompressionType_None = 0,
+    CompressionType_GZip = 1,
+    CompressionType_ZLib = 2         // only for the Stream entry points
+};
+
+// The XML declaration a Fast Infoset document starts with.
+enum FInfoDecl {
+    FInfoDecl_None = 0,
+    FInfoDecl_Encoding = 1,
+    FInfoDecl_Encoding_Standalone = 2,
+    FInfoDecl_Encoding_NotStandalone = 3,
+    FInfoDecl_10_Encoding = 4,
+    FInfoDecl_10_Encoding_Standalone = 5,
+    FInfoDecl_10_Encoding_NotStandalone = 6,
+    FInfoDecl_11_Encoding = 7,
+    FInfoDecl_11_Encoding_Standalone = 8,
+    FInfoDecl_11_Encoding_NotStandalone = 9
+};
+
+// Schema dialect of the bound classes. Only 2 has a meaning here: it makes
+// namespaces ignored and element names compared by local name.
+enum SchemaType {
+    SchemaType_Default = 0,
+    SchemaType_Reserved = 1,
+    SchemaType_IgnoreNamespaces = 2
+};
+
+// ---------------------------------------------------------------------------
+// Facets of a primitive, as text bounds and lengths.
+// ---------------------------------------------------------------------------
+
+class CPrimitiveRestrictions {
+public:
+    CPrimitiveRestrictions() = default;
+    CPrimitiveRestrictions(std::string pattern, int minLength, int maxLength,
+                           std::string minInclusive, std::string maxInclusive,
+                           std::string minExclusive, std::string maxExclusive, int length)
+        : pattern(std::move(pattern)), minLength(minLength), maxLength(maxLength),
+          minInclusive(std::move(minInclusive)), maxInclusive(std::move(maxInclusive)),
+          minExclusive(std::move(minExclusive)), maxExclusive(std::move(maxExclusive)),
+          length(length) {}
+    CPrimitiveRestrictions(CPrimitiveRestrictions const&) = default;
+    CPrimitiveRestrictions& operator=(CPrimitiveRestrictions const&) = default;
+    virtual ~CPrimitiveRestrictions() = default;
+
+    std::string pattern;        // empty: none
+    int minLength = -1;         // negative: none
+    int maxLength = -1;
+    std::string minInclusive;   // empty: none
+    std::string maxInclusive;
+    std::string minExclusive;
+    std::string maxExclusive;
+    int length = -1;
+};
+
+} // namespace KdBind
+
+#endif

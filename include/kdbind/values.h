@@ -1,0 +1,202 @@
+// KdBind XML Schema value types: whitespace rules, lexical conversions, the
+// value classes and the tagged value KdVariant that carries them.
+#ifndef KDBIND_VALUES_H
+#define KDBIND_VALUES_H
+
+#include <string>
+
+#include "kdbind/runtime.h"
+
+namespace KdBind {
+
+class CBinaryData;
+class CDateTime;
+class CDateTimeSpan;
+class CDecimal;
+class CBigInteger;
+class CXmlObjectBase;
+class CXmlCollectionBase;
+
+// ---------------------------------------------------------------------------
+// Whitespace rules (xsd:whiteSpace), applied before every conversion.
+// ---------------------------------------------------------------------------
+
+class CWhitespaceUtils {
+public:
+    enum WhitespaceRule {
+        WhitespaceRule_None = 0,
+        WhitespaceRule_Preserve = 1,
+        WhitespaceRule_Replace = 2,
+        WhitespaceRule_Collapse = 3
+    };
+
+    static bool IsWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+    static std::string Preserve(char const* text, int length);
+    static std::string Preserve(std::string const& text);
+    static std::string Replace(std::string const& text);
+    static std::string Collapse(std::string const& text);
+    static std::string ApplyRule(WhitespaceRule rule, std::string const& text);
+};
+
+// ---------------------------------------------------------------------------
+// Binary data: the value of hexBinary and base64Binary and the library's byte
+// buffer. A handle to a counted, copy-on-write holder.
+// ---------------------------------------------------------------------------
+
+class CBinaryData {
+public:
+    class CDataHolder;
+
+    CBinaryData();
+    CBinaryData(CBinaryData const& other);
+    explicit CBinaryData(char const* text);
+    CBinaryData(unsigned char* data, unsigned long length, bool adopt);
+    CBinaryData& operator=(CBinaryData const& other);
+    virtual ~CBinaryData();
+
+    void Clear();
+    unsigned char const* GetData() const;
+    unsigned long GetLength() const;
+    unsigned char& operator[](unsigned long index);
+    unsigned char const& operator[](unsigned long index) const;
+    bool operator==(CBinaryData const& other) const;
+    bool operator!=(CBinaryData const& other) const;
+    void Append(unsigned char* data, unsigned long length);
+    void Append(CBinaryData const& data);
+    void Append(char const* text);
+    void Append(std::string const& text);
+    void Append(char c);
+    void Append(unsigned char c);
+    void SetBuffer(unsigned char* data, unsigned long length);
+    void SetBuffer(char const* text);
+    unsigned char* ReleaseData();
+    std::string GetAsHexString() const;
+    static std::string GetAsHexString(unsigned char* data, unsigned long length);
+    void SetAsHexString(char const* text);
+    static unsigned long ConvertToHexData(char const* text, unsigned char** out);
+    std::string GetAsBase64() const;
+    void SetAsBase64(char const* text);
+
+private:
+    CDataHolder* m_holder;
+};
+
+// ---------------------------------------------------------------------------
+// The tagged value: one ItemType tag and one word of payload. It is how
+// values cross between the engine and generated code.
+// ---------------------------------------------------------------------------
+
+class KdVariant {
+public:
+    KdVariant();
+    KdVariant(KdVariant const& other);
+    // No self-assignment guard: assigning a variant to itself empties it.
+    KdVariant& operator=(KdVariant const& other);
+    virtual ~KdVariant();
+
+    void Clear();
+    bool IsValid() const { return m_type != ItemType_invalid; }
+    void SetInvalid() { Clear(); }
+    // The tag as stored (the enumerator, not the name text).
+    ItemType GetItemType() const { return m_type; }
+    // The name text of the tag ("i4", "string", ...).
+    std::string GetType() const;
+
+    std::string ToString(char const* format = nullptr) const;
+    void FromString(std::string const& value, ItemType type,
+                    CWhitespaceUtils::WhitespaceRule rule = CWhitespaceUtils::WhitespaceRule_None);
+
+    void SetHexBinary(CBinaryData const& value);
+    void SetBase64Binary(CBinaryData const& value);
+    void SetI1(char value);
+    void SetI2(short value);
+    void SetI4(long value);
+    void SetI8(long long value);
+    void SetUI1(unsigned char value);
+    void SetUI2(unsigned short value);
+    void SetUI4(unsigned long value);
+    void SetUI8(unsigned long long value);
+    void SetR4(float value);
+    void SetR8(double value);
+    void SetDuration(CDateTimeSpan const& value);
+    void SetYearMonth(CDateTime const& value);
+    void SetMonthDay(CDateTime const& value);
+    void SetYear(unsigned short value);
+    void SetMonth(unsigned char value);
+    void SetDay(unsigned char value);
+    void SetDate(CDateTime const& value);
+    void SetDateTime(CDateTime const& value);
+    void SetTime(CDateTime const& value);
+    void SetChar(char value);
+    void SetString(std::string value);
+    void SetBoolean(bool value);
+    void SetDecimal(CDecimal const& value);
+    void SetInteger(CBigInteger const& value);
+    void SetXmlObject(CXmlObjectBase* value);
+    void SetXmlCollection(CXmlCollectionBase* value);
+
+    // Getters check nothing: asking for another kind than the tag reads the
+    // payload word as that kind. Callers test the tag or know what they stored.
+    CBinaryData GetHexBinary() const;
+    CBinaryData GetBase64Binary() const;
+    char GetI1() const { return m_value.i1; }
+    short GetI2() const { return m_value.i2; }
+    long GetI4() const { return m_value.i4; }
+    long long GetI8() const { return m_value.i8; }
+    unsigned char GetUI1() const { return m_value.ui1; }
+    unsigned short GetUI2() const { return m_value.ui2; }
+    unsigned long GetUI4() const { return m_value.ui4; }
+    unsigned long long GetUI8() const { return m_value.ui8; }
+    float GetR4() const { return m_value.r4; }
+    double GetR8() const { return m_value.r8; }
+    CDateTimeSpan GetDuration() const;
+    CDateTime GetYearMonth() const;
+    CDateTime GetMonthDay() const;
+    unsigned short GetYear() const { return m_value.ui2; }
+    unsigned char GetMonth() const { return m_value.ui1; }
+    unsigned char GetDay() const { return m_value.ui1; }
+    CDateTime GetDate() const;
+    CDateTime GetDateTime() const;
+    CDateTime GetTime() const;
+    char GetChar() const { return m_value.i1; }
+    std::string GetString() const { return m_value.string ? *m_value.string : std::string(); }
+    bool GetBoolean() const { return m_value.boolean; }
+    CDecimal GetDecimal() const;
+    CBigInteger GetInteger() const;
+    CSmartPtr<CXmlObjectBase> GetXmlObject() const;
+    CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
+
+private:
+    union Payload {
+        char i1;
+        short i2;
+        long i4;
+        long long i8;
+        unsigned char ui1;
+        unsigned short ui2;
+        unsigned long ui4;
+        unsigned long long ui8;
+        float r4;
+        double r8;
+        bool boolean;
+        std::string* string;
+        CBinaryData* binary;
+        CDateTime* dateTime;
+        CDateTimeSpan* duration;
+        CDecimal* decimal;
+        CBigInteger* integer;
+        CXmlObjectBase* object;
+        CXmlCollectionBase* collection;
+        void* pointer;
+    };
+
+    // Clears, then stores a tag with a zeroed payload; setters fill it in.
+    Payload& Reset(ItemType type);
+
+    ItemType m_type;
+    Payload m_value;
+};
+
+} // namespace KdBind
+
+#endif

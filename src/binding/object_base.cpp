@@ -1,0 +1,76 @@
+// CXmlObjectBase: reference counting, the trampolines into the protected
+// slots, and the in-memory text entry point ToXml.
+#include "kdbind/binding.h"
+
+namespace KdBind {
+
+CXmlObjectBase::CXmlObjectBase() = default;
+
+// A copy is a new object: it starts uncounted, with its own lock.
+CXmlObjectBase::CXmlObjectBase(CXmlObjectBase const& other) : IEventSink(other), m_elementName(other.m_elementName) {}
+
+CXmlObjectBase& CXmlObjectBase::operator=(CXmlObjectBase const& other)
+{
+    m_elementName = other.m_elementName;
+    return *this;
+}
+
+CXmlObjectBase::~CXmlObjectBase() = default;
+
+void CXmlObjectBase::OnEvent(CXmlObjectBase*, IEventSink::MsgType, void*) {}
+
+long CXmlObjectBase::AddRef()
+{
+    m_lock.Enter();
+    long const count = ++m_refCount;
+    m_lock.Leave();
+    return count;
+}
+
+long CXmlObjectBase::Release()
+{
+    m_lock.Enter();
+    long const count = --m_refCount;
+    m_lock.Leave();
+    if (count == 0)
+        delete this;
+    return count;
+}
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, CXmlSerializationContext const&) const {}
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
+                                         CXmlSerializationContext const& context)
+{
+    object->AttributesToXml_Int(writer, context);
+}
+
+void CXmlObjectBase::ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool root, char const* ns,
+                               CXmlSerializationContext const& context, bool isOptional)
+{
+    object->ToXml_Int(writer, root, ns, context, isOptional);
+}
+
+CXmlElement* CXmlObjectBase::FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
+                                         CXmlSerializationContext const& context)
+{
+    return object->FromXml_Int(parent, cursor, context, false);
+}
+
+std::string CXmlObjectBase::ToXml(bool declaration, bool formatted, EOLType eol,
+                                  CXmlSerializationContext const& context) const
+{
+    CTextStream stream;
+    CXmlTextWriter writer(stream);
+    writer.Open();
+    writer.SetFormat(formatted);
+    writer.SetEOLType(eol);
+    if (declaration)
+        writer.WriteStartDocument();
+    std::string const targetNamespace = GetTargetNamespace();
+    ToXml_Int(&writer, true, targetNamespace.c_str(), context, false);
+    writer.Close();
+    return stream.GetText();
+}
+
+} // namespace KdBind

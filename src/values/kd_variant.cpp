@@ -1,0 +1,155 @@
+// KdVariant storage: tags, payload ownership and copying. The lexical side
+// (ToString, FromString) stands in kd_variant_conversions.cpp.
+#include <cstring>
+
+#include "kdbind/binding.h"
+
+namespace KdBind {
+
+namespace {
+
+// How a tag owns its payload: inline kinds need nothing; owned kinds copy
+// deeply and delete; counted kinds take and drop a reference.
+struct PayloadOwnership {
+    void* (*copy)(void* payload);
+    void (*release)(void* payload);
+};
+
+template <class T>
+void* CopyOwned(void* payload) { return new T(*static_cast<T*>(payload)); }
+
+template <class T>
+void DeleteOwned(void* payload) { delete static_cast<T*>(payload); }
+
+template <class T>
+void* AddReference(void* payload)
+{
+    static_cast<T*>(payload)->AddRef();
+    return payload;
+}
+
+template <class T>
+void DropReference(void* payload) { static_cast<T*>(payload)->Release(); }
+
+template <class T>
+constexpr PayloadOwnership Owned() { return {&CopyOwned<T>, &DeleteOwned<T>}; }
+
+template <class T>
+constexpr PayloadOwnership Counted() { return {&AddReference<T>, &DropReference<T>}; }
+
+constexpr PayloadOwnership Inline() { return {nullptr, nullptr}; }
+
+// Indexed by tag. A value class adds its row when it joins the library.
+PayloadOwnership const kOwnership[] = {
+    Inline(),                       // 0 invalid
+    Inline(),                       // 1 hexBinary
+    Inline(),                       // 2 base64Binary
+    Inline(), Inline(), Inline(), Inline(),  // 3-6 i1 i2 i4 i8
+    Inline(), Inline(), Inline(), Inline(),  // 7-10 ui1 ui2 ui4 ui8
+    Inline(), Inline(),             // 11-12 r4 r8
+    Inline(),                       // 13 duration
+    Inline(), Inline(),             // 14-15 yearMonth monthDay
+    Inline(), Inline(), Inline(),   // 16-18 year month day
+    Inline(), Inline(), Inline(),   // 19-21 date datetime time
+    Inline(),                       // 22 char
+    Owned<std::string>(),           // 23 string
+    Inline(),                       // 24 boolean
+    Inline(),                       // 25 decimal
+    Inline(),                       // 26 integer
+    Counted<CXmlObjectBase>(),      // 27 xmlObject
+    Counted<CXmlCollectionBase>(),  // 28 xmlCollection
+};
+
+constexpr int kTagCount = static_cast<int>(sizeof(kOwnership) / sizeof(kOwnership[0]));
+
+} // namespace
+
+KdVariant::KdVariant() : m_type(ItemType_invalid) { m_value.pointer = nullptr; m_value.ui8 = 0; }
+
+KdVariant::KdVariant(KdVariant const& other) : KdVariant() { *this = other; }
+
+KdVariant::~KdVariant() { Clear(); }
+
+KdVariant& KdVariant::operator=(KdVariant const& other)
+{
+    Clear();
+    if (other.m_type < 0 || other.m_type >= kTagCount)
+        throw CKdException("Unknown Type");
+    m_type = other.m_type;
+    PayloadOwnership const& ownership = kOwnership[m_type];
+    if (ownership.copy)
+        m_value.pointer = other.m_value.pointer ? ownership.copy(other.m_value.pointer) : nullptr;
+    else
+        m_value = other.m_value;
+    return *this;
+}
+
+void KdVariant::Clear()
+{
+    if (m_type > 0 && m_type < kTagCount && m_value.pointer) {
+        if (auto release = kOwnership[m_type].release)
+            release(m_value.pointer);
+    }
+    m_value.ui8 = 0;
+    m_type = ItemType_invalid;
+}
+
+std::string KdVariant::GetType() const
+{
+    char const* name = ItemTypeName(m_type);
+    if (!name)
+        throw CKdException(FormatString("Invalid Type %d", static_cast<int>(m_type)));
+    return name;
+}
+
+KdVariant::Payload& KdVariant::Reset(ItemType type)
+{
+    Clear();
+    m_type = type;
+    return m_value;
+}
+
+void KdVariant::SetI1(char value) { Reset(ItemType_i1).i1 = value; }
+void KdVariant::SetI2(short value) { Reset(ItemType_i2).i2 = value; }
+void KdVariant::SetI4(long value) { Reset(ItemType_i4).i4 = value; }
+void KdVariant::SetI8(long long value) { Reset(ItemType_i8).i8 = value; }
+void KdVariant::SetUI1(unsigned char value) { Reset(ItemType_ui1).ui1 = value; }
+void KdVariant::SetUI2(unsigned short value) { Reset(ItemType_ui2).ui2 = value; }
+void KdVariant::SetUI4(unsigned long value) { Reset(ItemType_ui4).ui4 = value; }
+void KdVariant::SetUI8(unsigned long long value) { Reset(ItemType_ui8).ui8 = value; }
+void KdVariant::SetR4(float value) { Reset(ItemType_r4).r4 = value; }
+void KdVariant::SetR8(double value) { Reset(ItemType_r8).r8 = value; }
+void KdVariant::SetYear(unsigned short value) { Reset(ItemType_year).ui2 = value; }
+void KdVariant::SetMonth(unsigned char value) { Reset(ItemType_month).ui1 = value; }
+void KdVariant::SetDay(unsigned char value) { Reset(ItemType_day).ui1 = value; }
+void KdVariant::SetChar(char value) { Reset(ItemType_char).i1 = value; }
+void KdVariant::SetBoolean(bool value) { Reset(ItemType_boolean).boolean = value; }
+
+void KdVariant::SetString(std::string value)
+{
+    std::string* copy = new std::string(std::move(value));
+    Reset(ItemType_string).string = copy;
+}
+
+void KdVariant::SetXmlObject(CXmlObjectBase* value)
+{
+    if (value)
+        value->AddRef();
+    Reset(ItemType_xmlObject).object = value;
+}
+
+void KdVariant::SetXmlCollection(CXmlCollectionBase* value)
+{
+    if (value)
+        value->AddRef();
+    Reset(ItemType_xmlCollection).collection = value;
+}
+
+CSmartPtr<CXmlObjectBase> KdVariant::GetXmlObject() const { return CSmartPtr<CXmlObjectBase>(m_value.object); }
+
+CSmartPtr<CXmlCollectionBase> KdVariant::GetXmlCollection() const
+{
+    return CSmartPtr<CXmlCollectionBase>(m_value.collection);
+}
+
+} // namespace KdBind

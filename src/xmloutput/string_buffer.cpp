@@ -1,0 +1,101 @@
+#include <cstring>
+
+#include "kdbind/xmloutput.h"
+
+namespace KdBind {
+
+CStringBuffer::CStringBuffer() : CInstanceMonitor("CStringBuffer"), m_blockSize(4095) {}
+
+CStringBuffer::CStringBuffer(unsigned long blockAllocation)
+    : CInstanceMonitor("CStringBuffer"), m_blockSize(blockAllocation > 1 ? blockAllocation - 1 : 1)
+{
+}
+
+CStringBuffer::~CStringBuffer() { Clear(); }
+
+void CStringBuffer::Clear()
+{
+    for (char* block : m_blocks)
+        delete[] block;
+    m_blocks.clear();
+    m_blockSizes.clear();
+    m_used = 0;
+    m_capacity = 0;
+    m_current = nullptr;
+    m_total = 0;
+}
+
+void CStringBuffer::Empty()
+{
+    if (m_blocks.size() != 1) {
+        Clear();
+        return;
+    }
+    memset(m_current, 0, m_capacity + 1);
+    m_used = 0;
+    m_total = 0;
+}
+
+void CStringBuffer::AddNewBlock()
+{
+    char* block = new char[m_blockSize + 1]();
+    m_blocks.push_back(block);
+    m_blockSizes.push_back(m_blockSize);
+    m_current = block;
+    m_used = 0;
+    m_capacity = m_blockSize;
+}
+
+void CStringBuffer::Append(char const* text) { Append(text, static_cast<unsigned long>(strlen(text))); }
+
+void CStringBuffer::Append(char const* text, unsigned long length)
+{
+    m_total += length;
+    while (length > 0) {
+        if (m_used == m_capacity) {
+            AddNewBlock();
+            continue;
+        }
+        unsigned long const room = m_capacity - m_used;
+        unsigned long const count = length < room ? length : room;
+        memcpy(m_current + m_used, text, count);
+        m_used += count;
+        text += count;
+        length -= count;
+    }
+}
+
+void CStringBuffer::SetText(char const* text)
+{
+    Clear();
+    Append(text);
+}
+
+char* CStringBuffer::GetText()
+{
+    static char empty[1] = {0};
+    if (m_blocks.empty())
+        return empty;
+    if (m_blocks.size() == 1)
+        return m_blocks.front();
+    unsigned long const total = m_total;
+    char* joined = new char[total + 1];
+    char* out = joined;
+    for (size_t i = 0; i + 1 < m_blocks.size(); ++i) {
+        memcpy(out, m_blocks[i], m_blockSizes[i]);
+        out += m_blockSizes[i];
+    }
+    memcpy(out, m_current, m_used);
+    joined[total] = '\0';
+    Clear();
+    // The joined text becomes the single, full block: the next append starts a new one.
+    m_blocks.push_back(joined);
+    m_blockSizes.push_back(total);
+    m_current = joined;
+    m_used = total;
+    m_capacity = total;
+    m_total = total;
+    return joined;
+}
+
+} // namespace KdBind
