@@ -29,9 +29,7 @@ class CXmlCollectionBase;
 // ---------------------------------------------------------------------------
 
 extern bool ASYNC_TOXMLFILE;
-extern bool ASCII_ONLY;
 void AsyncToXmlFile(bool async);
-void ASCIIOnly(bool asciiOnly);
 
 // ---------------------------------------------------------------------------
 // The options of one read or write.

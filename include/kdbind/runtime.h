@@ -258,6 +258,39 @@ public:
     int length = -1;
 };
 
+// ---------------------------------------------------------------------------
+// Process-wide switch: all text in the program is plain ASCII, so encoding
+// conversions may be skipped. Set before work starts.
+// ---------------------------------------------------------------------------
+
+extern bool ASCII_ONLY;
+void ASCIIOnly(bool asciiOnly);
+
+class CBinaryData;
+
+// ---------------------------------------------------------------------------
+// Conversions between the local code page, wide strings (one code point per
+// wchar_t) and UTF-8. Static operations, no state.
+// ---------------------------------------------------------------------------
+
+class CEncoder {
+public:
+    static CBinaryData UnicodeToUtf8Binary(wchar_t const* text);
+    static CBinaryData LocalCodePageToUtf8Binary(char const* text);
+    static CBinaryData LocalCodePageToUnicodeBinary(char const* text);
+    static std::string Utf16ToLocalCodePage(unsigned char* text, int length);
+    // The buffers are scratch space the caller may lend to avoid allocation.
+    static std::string Utf8ToLocalCodePage(unsigned char* text, int length, wchar_t* wideBuffer,
+                                           unsigned long wideCapacity, char* narrowBuffer,
+                                           unsigned long narrowCapacity);
+    static std::string Utf8ToLocalCodePage(unsigned char* text, int length);
+    static std::string Utf8ToLocalCodePage(char const* text);
+    static std::string Utf8ToLocalCodePage(char const* text, wchar_t* wideBuffer, unsigned long wideCapacity,
+                                           char* narrowBuffer, unsigned long narrowCapacity);
+};
+
+std::string UnicodeToMultiByte(wchar_t const* text);
+
 } // namespace KdBind
 
 #endif
