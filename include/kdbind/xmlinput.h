@@ -3,10 +3,16 @@
 #ifndef KDBIND_XMLINPUT_H
 #define KDBIND_XMLINPUT_H
 
+#include <exception>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "kdbind/xmloutput.h"
+
+// The parser handle of expat, declared here so that expat's header stays
+// out of the library's public headers.
+struct XML_ParserStruct;
 
 namespace KdBind {
 
@@ -37,6 +43,192 @@ public:
 
 private:
     mutable std::map<std::string, std::string> m_aliases;  // URI -> alias
+};
+
+// ---------------------------------------------------------------------------
+// The parsed element tree that every load passes through. It is deliberately
+// poor: an element keeps one text (all of its character data joined, the
+// white space between children included), no text nodes, no comments and no
+// prefixes; the prefixes of the whole document sit in one flat map.
+// ---------------------------------------------------------------------------
+
+class CXmlDocument;
+
+// Set and never read; kept because applications call it.
+extern bool ASYNC_FROMXMLFILE;
+void AsyncFromXmlFile(bool async);
+
+// One attribute of a parsed element; immutable.
+class CXmlAttribute : private CInstanceMonitor {
+public:
+    CXmlAttribute(std::string const& name, std::string const& value, std::string const& uri);
+    CXmlAttribute(CXmlAttribute const&) = delete;
+    CXmlAttribute& operator=(CXmlAttribute const&) = delete;
+    ~CXmlAttribute() override;
+
+    std::string const& GetLocalName() const { return m_localName; }
+    std::string const& GetValue() const { return m_value; }
+    std::string const& GetNamespaceURI() const { return m_namespaceURI; }
+    // Namespace declarations, xsi:type and the schema locations: attributes
+    // that the binding must not take as data.
+    bool IsNamespaceAttribute() const;
+
+private:
+    std::string m_localName;
+    std::string m_value;
+    std::string m_namespaceURI;
+};
+
+class CXmlElement : private CInstanceMonitor {
+public:
+    using AttributeList = std::vector<CXmlAttribute*>;
+
+    explicit CXmlElement(CXmlDocument const* document);
+    CXmlElement(CXmlElement const&) = delete;
+    CXmlElement& operator=(CXmlElement const&) = delete;
+    // Destroys the whole subtree without recursion.
+    ~CXmlElement() override;
+
+    CXmlDocument const* GetOwnerDocument() const { return m_document; }
+    CXmlElement* GetFirstElement() const { return m_firstChild; }
+    CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
+    std::string const& GetNamespaceURI() const { return m_namespaceURI; }
+    std::string const& GetLocalName() const { return m_localName; }
+    std::string const& GetText() const { return m_text; }
+    AttributeList const& GetAttributes() const { return m_attributes; }
+    // The value of the first attribute with exactly this name and URI; an
+    // absent attribute reads as the empty string.
+    std::string const& GetAttribute(std::string const& name, std::string const& uri) const;
+
+    void SetNamespace(std::string const& uri) { m_namespaceURI = uri; }
+    void SetNamespace(std::string&& uri) { m_namespaceURI = std::move(uri); }
+    void SetElementName(std::string const& name) { m_localName = name; }
+    void SetElementName(std::string&& name) { m_localName = std::move(name); }
+    void AppendText(char const* text, int length);
+    void AppendText(char const* text);
+    void AddAttribute(std::string const& name, std::string const& value, std::string const& uri);
+
+    // Links a new element at the end of the children and returns it.
+    CXmlElement* CreateNewChildElement();
+    // Unlinks the last child and hands it to the caller; null without children.
+    CXmlElement* RemoveLastChildElement();
+
+private:
+    CXmlDocument const* m_document;
+    CXmlElement* m_nextSibling = nullptr;
+    CXmlElement* m_firstChild = nullptr;  // owns the list of children
+    CXmlElement* m_lastChild = nullptr;
+    AttributeList m_attributes;           // owned, in document order
+    std::string m_text;
+    std::string m_localName;
+    std::string m_namespaceURI;
+};
+
+class CXmlDocument : private CInstanceMonitor {
+public:
+    // Called for each finished element of a text parse; answering true
+    // takes the element out of the tree and destroys it (streaming).
+    using ElementCallback = bool (*)(CXmlElement*);
+
+    CXmlDocument();
+    explicit CXmlDocument(CXmlSerializationContext const& context);
+    explicit CXmlDocument(ElementCallback callback);
+    CXmlDocument(ElementCallback callback, CXmlSerializationContext const& context);
+    CXmlDocument(CXmlDocument const&) = delete;
+    CXmlDocument& operator=(CXmlDocument const&) = delete;
+    ~CXmlDocument() override;
+    // Drops the tree, the input and the prefixes; the callback and the
+    // context stay, so that the document can be loaded again.
+    virtual void Cleanup();
+
+    void Init();
+    // Text only: no recognition of compressed or binary input.
+    void LoadXml(char const* text);
+    // Handed to the parser as UTF-16LE behind a byte order mark.
+    void LoadXml(wchar_t const* text);
+    void ParseText();
+    // From a file or from bytes, which may be compressed, Fast Infoset or text.
+    void Load(char const* path);
+    void LoadXmlStream(unsigned char* data, unsigned long length);
+    void Parse();
+
+    CXmlElement* GetDocumentElement() const { return m_documentElement; }
+    // The URI last declared for the prefix anywhere in the document, or "".
+    std::string LookupNamespaceFromAlias(char const* alias) const;
+
+    // For the producers of the tree.
+    CXmlElement* AddDocElement(char const* uri, char const* name);
+    CXmlElement* AddChildElement(char const* uri, char const* name);
+    void EndElement();
+    static void AddElementAttribute(CXmlElement* element, std::string const& name, std::string const& value,
+                                    std::string const& uri);
+    // Both stop at a zero byte; carriage returns never reach the text.
+    static void AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length);
+    static void AppendTextExcludingCR(CXmlElement* element, char const* text);
+
+    CXmlSerializationContext const& GetContext() const { return *m_context; }
+    SchemaType GetSchemaType() const { return m_schemaType; }
+    unsigned char* GetInputBuffer() const { return m_inputBuffer; }
+    unsigned long GetInputLength() const { return m_inputLength; }
+    std::vector<CXmlElement*>& GetElementStack() { return m_elementStack; }
+    std::map<std::string, std::string>& GetAliasMap() { return m_aliasMap; }
+
+private:
+    CXmlElement* m_documentElement = nullptr;      // owned
+    std::vector<CXmlElement*> m_elementStack;      // the open elements, root first
+    std::map<std::string, std::string> m_aliasMap; // prefix -> URI
+    unsigned char* m_inputBuffer = nullptr;        // owned, new[]
+    unsigned long m_inputLength = 0;
+    SchemaType m_schemaType = SchemaType_Default;
+    ElementCallback m_callback;
+    CXmlSerializationContext const* m_context;
+};
+
+// ---------------------------------------------------------------------------
+// The text reader: drives expat over a document's input buffer and turns its
+// events into calls on the document. One reader serves one parse.
+// ---------------------------------------------------------------------------
+
+class CExpatReader : private CInstanceMonitor {
+public:
+    explicit CExpatReader(CXmlDocument& document);
+    CExpatReader(CExpatReader const&) = delete;
+    CExpatReader& operator=(CExpatReader const&) = delete;
+    ~CExpatReader() override;
+
+    void CreateParser();
+    void Parse(bool isFinal);
+    void Cleanup();
+
+    static void FnStartElement(void* userData, char const* name, char const** attributes);
+    static void FnEndElement(void* userData, char const* name);
+    static void FnStartNamespace(void* userData, char const* prefix, char const* uri);
+    static void FnEndNamespace(void* userData, char const* prefix);
+    static void FnText(void* userData, char const* text, int length);
+    static void FnStartCDATA(void* userData);
+    static void FnEndCDATA(void* userData);
+
+private:
+    // Runs one handler; a failure stops the parser and is kept for Parse to
+    // throw, since it must not unwind through expat.
+    template <class Handler>
+    static void Guarded(void* userData, Handler&& handler);
+    void FreeParser();
+    // Expat's UTF-8 into the local code page, written to out.
+    void ToLocalCodePage(char const* text, unsigned long length, bool useScratch, std::string& out);
+    // Converts an expanded name "uri|local" into m_uri and m_local.
+    void SplitName(char const* name, bool useScratch);
+
+    CXmlDocument* m_document;
+    unsigned char* m_scratch = nullptr;  // conversion room: 128 wide, then 512 narrow characters
+    unsigned long m_scratchSize = 0;
+    XML_ParserStruct* m_parser = nullptr;
+    // Reused for every name and value, so that a parse allocates only for
+    // what the tree keeps.
+    std::string m_uri;
+    std::string m_local;
+    std::string m_value;
+    std::exception_ptr m_failure;
 };
 
 } // namespace KdBind

@@ -1,0 +1,27 @@
+#include "kdbind/xmlinput.h"
+
+namespace KdBind {
+
+namespace {
+char const kSchemaInstanceNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+char const kXmlnsNamespace[] = "http://www.w3.org/2000/xmlns/";
+} // namespace
+
+CXmlAttribute::CXmlAttribute(std::string const& name, std::string const& value, std::string const& uri)
+    : CInstanceMonitor("CXmlAttribute"), m_localName(name), m_value(value), m_namespaceURI(uri)
+{
+}
+
+CXmlAttribute::~CXmlAttribute() = default;
+
+// The namespace test and the name test are independent: any of the four
+// names counts under either namespace. xsi:nil is data to the binding.
+bool CXmlAttribute::IsNamespaceAttribute() const
+{
+    if (m_namespaceURI != kSchemaInstanceNamespace && m_namespaceURI != kXmlnsNamespace)
+        return false;
+    return m_localName == "xmlns" || m_localName == "type" || m_localName == "schemaLocation" ||
+           m_localName == "noNamespaceSchemaLocation";
+}
+
+} // namespace KdBind
