@@ -289,8 +289,54 @@ public:
                                            char* narrowBuffer, unsigned long narrowCapacity);
 };
 
+// Wide text to the local code page; a character that does not convert
+// becomes a question mark.
 std::string UnicodeToMultiByte(wchar_t const* text);
 
 } // namespace KdBind
+
+// ---------------------------------------------------------------------------
+// UTF converters. Each reads [sourceStart, sourceEnd) and writes into
+// [targetStart, targetEnd); a null targetStart only counts. They return the
+// target units written, or needed when counting: unsigned char for UTF-8,
+// unsigned short for UTF-16, unsigned int for UTF-32 (native byte order).
+// Malformed input ends the work: counting then returns 0, writing returns
+// what was written so far. Writing also stops where the next character does
+// not fit.
+// ---------------------------------------------------------------------------
+
+unsigned long ConvertUTF32toUTF16(unsigned int const* sourceStart, unsigned int const* sourceEnd,
+                                  unsigned short* targetStart, unsigned short* targetEnd);
+// The writing form returns 0 even on success: writers rely on a counting call.
+unsigned long ConvertUTF16toUTF32(unsigned short const* sourceStart, unsigned short const* sourceEnd,
+                                  unsigned int* targetStart, unsigned int* targetEnd);
+unsigned long ConvertUTF16toUTF8(unsigned short const* sourceStart, unsigned short const* sourceEnd,
+                                 unsigned char* targetStart, unsigned char* targetEnd);
+unsigned long ConvertUTF8toUTF16(unsigned char const* sourceStart, unsigned char const* sourceEnd,
+                                 unsigned short* targetStart, unsigned short* targetEnd);
+unsigned long ConvertUTF32toUTF8(unsigned int const* sourceStart, unsigned int const* sourceEnd,
+                                 unsigned char* targetStart, unsigned char* targetEnd);
+unsigned long ConvertUTF8toUTF32(unsigned char const* sourceStart, unsigned char const* sourceEnd,
+                                 unsigned int* targetStart, unsigned int* targetEnd);
+// Whether the length bytes at source form one well-formed UTF-8 sequence.
+bool IsLegalUTF8(unsigned char const* source, int length);
+// Whether the sequence starting at source is well formed and ends by sourceEnd.
+bool IsLegalUTF8Sequence(unsigned char const* source, unsigned char const* sourceEnd);
+
+// The same conversions over wide text (one code point per wchar_t). count
+// counts source units and capacity target units (16-bit units for UTF-16,
+// whose bytes are in native order); a null target only counts.
+unsigned long UnicodeToUTF8(wchar_t const* source, unsigned long count, unsigned char* target,
+                            unsigned long capacity);
+unsigned long UTF8ToUnicode(unsigned char* source, unsigned long count, wchar_t* target, unsigned long capacity);
+unsigned long UnicodeToUTF16(wchar_t const* source, unsigned long count, unsigned char* target,
+                             unsigned long capacity);
+// Like ConvertUTF16toUTF32, the writing form returns 0.
+unsigned long UTF16ToUnicode(unsigned char* source, unsigned long count, wchar_t* target, unsigned long capacity);
+
+// Whether any code point of the text is above 127.
+bool DoesUnicodeStrContainAnyUTF8CharsLargerThanOneByte(wchar_t const* text, int length);
+// Whether any byte of the text is above 127.
+bool DoesUTF8StrContainAnyCharsLargerThanOneByte(unsigned char* text, unsigned long length);
 
 #endif

@@ -3,11 +3,8 @@
 namespace KdBind {
 
 bool ASYNC_TOXMLFILE = false;
-bool ASCII_ONLY = false;
 
 void AsyncToXmlFile(bool async) { ASYNC_TOXMLFILE = async; }
-
-void ASCIIOnly(bool asciiOnly) { ASCII_ONLY = asciiOnly; }
 
 CXmlSerializationContext CXmlSerializationContext::m_defaultContext;
 
