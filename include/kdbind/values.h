@@ -39,76 +39,6 @@ public:
 };
 
 // ---------------------------------------------------------------------------
-// Lexical conversions: the one place where a primitive value meets its XML
-// text. <kind>ToString prints a value; <kind>FromString applies the
-// whitespace rule, then parses, and throws CKdInvalidValueException on text
-// it cannot convert. Output does not depend on the process's locale; input
-// is read as in the "C" locale.
-// ---------------------------------------------------------------------------
-
-class CConversions {
-public:
-    CConversions() = delete;
-
-    typedef CWhitespaceUtils::WhitespaceRule WhitespaceRule;
-
-    static std::string booleanToString(bool value);
-    // i4 and ui4 hold a long, but print only its low 32 bits.
-    static std::string i1ToString(char value);
-    static std::string i2ToString(short value);
-    static std::string i4ToString(long value);
-    static std::string i8ToString(long long value);
-    static std::string ui1ToString(unsigned char value);
-    static std::string ui2ToString(unsigned short value);
-    static std::string ui4ToString(unsigned long value);
-    static std::string ui8ToString(unsigned long long value);
-    // A null format prints "%.7g" (r4) or "%.16g" (r8); NaN and the
-    // infinities print "NaN", "INF", "-INF" whatever the format.
-    static std::string r4ToString(float value, char const* format = nullptr);
-    static std::string r8ToString(double value, char const* format = nullptr);
-    static std::string yearToString(unsigned short value);
-    static std::string monthToString(unsigned char value);
-    static std::string dayToString(unsigned char value);
-    static std::string charToString(char value);
-    static std::string stringToString(std::string const& value);
-    // The wider value classes add their printers here as they join:
-    // integer, decimal, hexBinary, base64Binary, duration, yearMonth,
-    // monthDay, date, datetime, time.
-
-    static std::string stringFromString(std::string const& text, WhitespaceRule rule);
-    static bool booleanFromString(std::string const& text, WhitespaceRule rule);
-    static char charFromString(std::string const& text, WhitespaceRule rule);
-    // i4 and ui4 accept the whole range of long; no 32-bit test.
-    static char i1FromString(std::string const& text, WhitespaceRule rule);
-    static short i2FromString(std::string const& text, WhitespaceRule rule);
-    static long i4FromString(std::string const& text, WhitespaceRule rule);
-    static long long i8FromString(std::string const& text, WhitespaceRule rule);
-    static unsigned char ui1FromString(std::string const& text, WhitespaceRule rule);
-    static unsigned short ui2FromString(std::string const& text, WhitespaceRule rule);
-    static unsigned long ui4FromString(std::string const& text, WhitespaceRule rule);
-    static unsigned long long ui8FromString(std::string const& text, WhitespaceRule rule);
-    // The empty text is a NaN, not a failure.
-    static float r4FromString(std::string const& text, WhitespaceRule rule);
-    static double r8FromString(std::string const& text, WhitespaceRule rule);
-    // Any date form that holds the field is read: "2004-05-06" is year 2004.
-    static unsigned short yearFromString(std::string const& text, WhitespaceRule rule);
-    static unsigned char monthFromString(std::string const& text, WhitespaceRule rule);
-    static unsigned char dayFromString(std::string const& text, WhitespaceRule rule);
-    // The wider value classes add their parsers here as they join:
-    // integer, decimal, hexBinary, base64Binary, duration, datetime, date,
-    // time, yearMonth, monthDay.
-};
-
-// Removes trailing "0" characters but never the first one: "100" -> "1".
-// (The name is kept as the library has always spelt it.)
-std::string TrimTrainingZeros(std::string text);
-// value printed with at least width digits, zero-padded: PadZero(7, 3) -> "007".
-std::string PadZero(int value, unsigned char width);
-// The fraction of a second in its shortest form with its point, ".5" for
-// 500 ms; the empty string when all three groups are zero.
-std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano);
-
-// ---------------------------------------------------------------------------
 // Binary data: the value of hexBinary and base64Binary and the library's byte
 // buffer. A handle to a counted, copy-on-write holder.
 // ---------------------------------------------------------------------------
@@ -149,6 +79,48 @@ public:
 
 private:
     CDataHolder* m_holder;
+};
+
+// ---------------------------------------------------------------------------
+// Byte sinks: an in-memory block, and the same written to a file at the end.
+// (Declared here rather than beside the other streams because they hold a
+// CBinaryData by value.)
+// ---------------------------------------------------------------------------
+
+class CBinaryStream : private CInstanceMonitor {
+public:
+    CBinaryStream();
+    // Starts from the given block, shared until the first append.
+    explicit CBinaryStream(CBinaryData& data);
+    CBinaryStream(CBinaryStream const&) = delete;
+    CBinaryStream& operator=(CBinaryStream const&) = delete;
+    ~CBinaryStream() override;
+
+    CBinaryData GetBinaryStream() const { return m_data; }
+    void Append(unsigned char c) { m_data.Append(c); }
+    void Append(CBinaryData const& data) { m_data.Append(data); }
+    void Append(unsigned char* data, unsigned long length) { m_data.Append(data, length); }
+
+protected:
+    explicit CBinaryStream(char const* monitorName);
+    CBinaryStream(char const* monitorName, CBinaryData& data);
+
+private:
+    CBinaryData m_data;
+};
+
+class CFileBinaryStream : public CBinaryStream {
+public:
+    CFileBinaryStream(char const* path, XmlEncoding encoding);
+    CFileBinaryStream(char const* path, XmlEncoding encoding, CBinaryData& data);
+
+    // Writes the block to the file, truncating it; UTF-16 encodings start
+    // with the byte order mark FF FE. An empty block is a failed write.
+    void ToFile();
+
+private:
+    std::string m_path;
+    XmlEncoding m_encoding;
 };
 
 // ---------------------------------------------------------------------------
@@ -268,5 +240,43 @@ private:
 };
 
 } // namespace KdBind
+
+// ---------------------------------------------------------------------------
+// The base64 codec (RFC 4648 alphabet, no line breaks).
+// ---------------------------------------------------------------------------
+
+class CBase64 {
+public:
+    CBase64();
+    virtual ~CBase64();
+
+    // Null data or a length of 0 gives the empty text. The output is padded
+    // with "=" to a multiple of four, except that a single byte encodes as two
+    // characters, one "=" and a NUL.
+    std::string Encode(unsigned char* data, int length);
+    // Writes the bytes of text to out, which must hold strlen(text) + 1 bytes
+    // (all of them are zeroed first), and returns their number. Blanks, tabs,
+    // line ends and "=" are skipped wherever they stand; any other character
+    // outside the alphabet makes the result 0. Only the low 7 bits of each
+    // character count.
+    int Decode(char const* text, unsigned char* out);
+
+    // Takes bits (1 to 8) from the input of the running Encode, high bits
+    // first; got tells how many were there. A short last group is filled with
+    // zero bits.
+    unsigned int Read(int bits, int* got, int& position);
+    // Adds bits of value to the accumulator and stores each full byte at
+    // out[position++].
+    void Write(unsigned int value, int bits, unsigned char* out, int& position);
+
+    static int const m_nMask[9];
+    static char const m_sBase64Alphabet[65];
+
+private:
+    int m_inputLength = 0;
+    int m_bitCount = 0;
+    unsigned long m_accumulator = 0;
+    unsigned char* m_input = nullptr;
+};
 
 #endif

@@ -77,11 +77,36 @@ public:
     void Append(char const* text) { m_buffer.Append(text); }
     void Append(std::string const& text) { m_buffer.Append(text); }
     void Append(char const* text, unsigned long length) { m_buffer.Append(text, length); }
+    // The text in the stream's encoding: UTF-8 for encoding 1; for 2 and 3
+    // the wide characters as they stand (4 bytes each, machine order).
+    // Any other encoding fails.
+    CBinaryData GetEncodedStream() const;
 
 protected:
     // GetText joins blocks, which is a change of representation only.
     mutable CStringBuffer m_buffer;
     XmlEncoding m_encoding;
+};
+
+// A text stream over a file. Open creates the file (UTF-16 encodings start
+// with the byte order mark FF FE); Flush writes the byte buffer and empties
+// the text; Close flushes and closes.
+class CFileTextStream : public CTextStream {
+public:
+    CFileTextStream(char const* path, XmlEncoding encoding);  // does not open the file
+    CFileTextStream(CFileTextStream const&) = delete;
+    CFileTextStream& operator=(CFileTextStream const&) = delete;
+    // Closes the file if it is open; raises nothing.
+    ~CFileTextStream() override;
+
+    void Open() override;
+    void Close() override;
+    void Flush() override;
+
+private:
+    std::string m_path;
+    CBinaryData m_data;
+    FILE* m_file = nullptr;
 };
 
 // ---------------------------------------------------------------------------
