@@ -39,6 +39,76 @@ public:
 };
 
 // ---------------------------------------------------------------------------
+// Lexical conversions: the one place where a primitive value meets its XML
+// text. <kind>ToString prints a value; <kind>FromString applies the
+// whitespace rule, then parses, and throws CKdInvalidValueException on text
+// it cannot convert. Output does not depend on the process's locale; input
+// is read as in the "C" locale.
+// ---------------------------------------------------------------------------
+
+class CConversions {
+public:
+    CConversions() = delete;
+
+    typedef CWhitespaceUtils::WhitespaceRule WhitespaceRule;
+
+    static std::string booleanToString(bool value);
+    // i4 and ui4 hold a long, but print only its low 32 bits.
+    static std::string i1ToString(char value);
+    static std::string i2ToString(short value);
+    static std::string i4ToString(long value);
+    static std::string i8ToString(long long value);
+    static std::string ui1ToString(unsigned char value);
+    static std::string ui2ToString(unsigned short value);
+    static std::string ui4ToString(unsigned long value);
+    static std::string ui8ToString(unsigned long long value);
+    // A null format prints "%.7g" (r4) or "%.16g" (r8); NaN and the
+    // infinities print "NaN", "INF", "-INF" whatever the format.
+    static std::string r4ToString(float value, char const* format = nullptr);
+    static std::string r8ToString(double value, char const* format = nullptr);
+    static std::string yearToString(unsigned short value);
+    static std::string monthToString(unsigned char value);
+    static std::string dayToString(unsigned char value);
+    static std::string charToString(char value);
+    static std::string stringToString(std::string const& value);
+    // The wider value classes add their printers here as they join:
+    // integer, decimal, hexBinary, base64Binary, duration, yearMonth,
+    // monthDay, date, datetime, time.
+
+    static std::string stringFromString(std::string const& text, WhitespaceRule rule);
+    static bool booleanFromString(std::string const& text, WhitespaceRule rule);
+    static char charFromString(std::string const& text, WhitespaceRule rule);
+    // i4 and ui4 accept the whole range of long; no 32-bit test.
+    static char i1FromString(std::string const& text, WhitespaceRule rule);
+    static short i2FromString(std::string const& text, WhitespaceRule rule);
+    static long i4FromString(std::string const& text, WhitespaceRule rule);
+    static long long i8FromString(std::string const& text, WhitespaceRule rule);
+    static unsigned char ui1FromString(std::string const& text, WhitespaceRule rule);
+    static unsigned short ui2FromString(std::string const& text, WhitespaceRule rule);
+    static unsigned long ui4FromString(std::string const& text, WhitespaceRule rule);
+    static unsigned long long ui8FromString(std::string const& text, WhitespaceRule rule);
+    // The empty text is a NaN, not a failure.
+    static float r4FromString(std::string const& text, WhitespaceRule rule);
+    static double r8FromString(std::string const& text, WhitespaceRule rule);
+    // Any date form that holds the field is read: "2004-05-06" is year 2004.
+    static unsigned short yearFromString(std::string const& text, WhitespaceRule rule);
+    static unsigned char monthFromString(std::string const& text, WhitespaceRule rule);
+    static unsigned char dayFromString(std::string const& text, WhitespaceRule rule);
+    // The wider value classes add their parsers here as they join:
+    // integer, decimal, hexBinary, base64Binary, duration, datetime, date,
+    // time, yearMonth, monthDay.
+};
+
+// Removes trailing "0" characters but never the first one: "100" -> "1".
+// (The name is kept as the library has always spelt it.)
+std::string TrimTrainingZeros(std::string text);
+// value printed with at least width digits, zero-padded: PadZero(7, 3) -> "007".
+std::string PadZero(int value, unsigned char width);
+// The fraction of a second in its shortest form with its point, ".5" for
+// 500 ms; the empty string when all three groups are zero.
+std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano);
+
+// ---------------------------------------------------------------------------
 // Binary data: the value of hexBinary and base64Binary and the library's byte
 // buffer. A handle to a counted, copy-on-write holder.
 // ---------------------------------------------------------------------------
