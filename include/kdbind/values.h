@@ -71,9 +71,10 @@ public:
     static std::string dayToString(unsigned char value);
     static std::string charToString(char value);
     static std::string stringToString(std::string const& value);
+    static std::string hexBinaryToString(CBinaryData const& value);
+    static std::string base64BinaryToString(CBinaryData const& value);
     // The wider value classes add their printers here as they join:
-    // integer, decimal, hexBinary, base64Binary, duration, yearMonth,
-    // monthDay, date, datetime, time.
+    // integer, decimal, duration, yearMonth, monthDay, date, datetime, time.
 
     static std::string stringFromString(std::string const& text, WhitespaceRule rule);
     static bool booleanFromString(std::string const& text, WhitespaceRule rule);
@@ -94,9 +95,10 @@ public:
     static unsigned short yearFromString(std::string const& text, WhitespaceRule rule);
     static unsigned char monthFromString(std::string const& text, WhitespaceRule rule);
     static unsigned char dayFromString(std::string const& text, WhitespaceRule rule);
+    static CBinaryData hexBinaryFromString(std::string const& text, WhitespaceRule rule);
+    static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
     // The wider value classes add their parsers here as they join:
-    // integer, decimal, hexBinary, base64Binary, duration, datetime, date,
-    // time, yearMonth, monthDay.
+    // integer, decimal, duration, datetime, date, time, yearMonth, monthDay.
 };
 
 // Removes trailing "0" characters but never the first one: "100" -> "1".

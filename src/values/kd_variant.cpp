@@ -42,8 +42,8 @@ constexpr PayloadOwnership Inline() { return {nullptr, nullptr}; }
 // Indexed by tag. A value class adds its row when it joins the library.
 PayloadOwnership const kOwnership[] = {
     Inline(),                       // 0 invalid
-    Inline(),                       // 1 hexBinary
-    Inline(),                       // 2 base64Binary
+    Owned<CBinaryData>(),           // 1 hexBinary
+    Owned<CBinaryData>(),           // 2 base64Binary
     Inline(), Inline(), Inline(), Inline(),  // 3-6 i1 i2 i4 i8
     Inline(), Inline(), Inline(), Inline(),  // 7-10 ui1 ui2 ui4 ui8
     Inline(), Inline(),             // 11-12 r4 r8
@@ -124,6 +124,22 @@ void KdVariant::SetMonth(unsigned char value) { Reset(ItemType_month).ui1 = valu
 void KdVariant::SetDay(unsigned char value) { Reset(ItemType_day).ui1 = value; }
 void KdVariant::SetChar(char value) { Reset(ItemType_char).i1 = value; }
 void KdVariant::SetBoolean(bool value) { Reset(ItemType_boolean).boolean = value; }
+
+void KdVariant::SetHexBinary(CBinaryData const& value)
+{
+    CBinaryData* copy = new CBinaryData(value);
+    Reset(ItemType_hexBinary).binary = copy;
+}
+
+void KdVariant::SetBase64Binary(CBinaryData const& value)
+{
+    CBinaryData* copy = new CBinaryData(value);
+    Reset(ItemType_base64Binary).binary = copy;
+}
+
+CBinaryData KdVariant::GetHexBinary() const { return m_value.binary ? *m_value.binary : CBinaryData(); }
+
+CBinaryData KdVariant::GetBase64Binary() const { return m_value.binary ? *m_value.binary : CBinaryData(); }
 
 void KdVariant::SetString(std::string value)
 {

@@ -48,8 +48,9 @@ typedef KdVariant V;
 //   Kind<&V::GetHexBinary, &V::SetHexBinary, &C::hexBinaryToString, &C::hexBinaryFromString>()
 KindConversion const kKinds[] = {
     NotYet(),                                                                                  // 0 invalid, never read
-    NotYet(),                                                                                  // 1 hexBinary
-    NotYet(),                                                                                  // 2 base64Binary
+    Kind<&V::GetHexBinary, &V::SetHexBinary, &C::hexBinaryToString, &C::hexBinaryFromString>(),  // 1 hexBinary
+    Kind<&V::GetBase64Binary, &V::SetBase64Binary, &C::base64BinaryToString,
+         &C::base64BinaryFromString>(),                                                        // 2 base64Binary
     Kind<&V::GetI1, &V::SetI1, &C::i1ToString, &C::i1FromString>(),                            // 3 i1
     Kind<&V::GetI2, &V::SetI2, &C::i2ToString, &C::i2FromString>(),                            // 4 i2
     Kind<&V::GetI4, &V::SetI4, &C::i4ToString, &C::i4FromString>(),                            // 5 i4
