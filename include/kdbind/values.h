@@ -23,7 +23,10 @@ class CXmlCollectionBase;
 
 class CWhitespaceUtils {
 public:
-    enum WhitespaceRule {
+    // Over int, so that any number the metadata holds is a value of the type
+    // and an unknown one reaches ApplyRule's failure rather than undefined
+    // behaviour.
+    enum WhitespaceRule : int {
         WhitespaceRule_None = 0,
         WhitespaceRule_Preserve = 1,
         WhitespaceRule_Replace = 2,
