@@ -26,12 +26,8 @@ TEST(ConversionsTest, WideIntegersRefuseOnlyOverflowAndTrailingText)
         {"+42", kNone, 42, nullptr},
         {" 12", kPreserve, 12, nullptr},  // the library call skips leading white space
         {"12 ", kPreserve, 0, "The value [12 ] can not be converted to a i4"},
-        {" 12 ", kCollapse, 12, nullptr},
         {" 12x ", kCollapse, 0, "The value [12x] can not be converted to a i4"},
-        {"1\t", kReplace, 0, "The value [1 ] can not be converted to a i4"},
-        {"abc", kNone, 0, "The value [abc] can not be converted to a i4"},
         {"4294967296", kNone, 4294967296L, nullptr},  // no 32-bit test
-        {"-9223372036854775808", kNone, LONG_MIN, nullptr},
         {"9223372036854775808", kNone, 0, "The value [9223372036854775808] is to large to fit in a i4"},
     });
     ExpectParses<CKdInvalidValueException, long long>(&CConversions::i8FromString, {
@@ -42,11 +38,9 @@ TEST(ConversionsTest, WideIntegersRefuseOnlyOverflowAndTrailingText)
     ExpectParses<CKdInvalidValueException, unsigned long>(&CConversions::ui4FromString, {
         {"-1", kNone, ULONG_MAX, nullptr},
         {"18446744073709551616", kNone, 0, "The value [18446744073709551616] is to large to fit in a ui4"},
-        {"x", kNone, 0, "The value [x] can not be converted to a ui4"},
     });
     ExpectParses<CKdInvalidValueException, unsigned long long>(&CConversions::ui8FromString, {
         {"", kNone, 0, nullptr},
-        {"18446744073709551615", kNone, ULLONG_MAX, nullptr},
         {"-1", kNone, ULLONG_MAX, nullptr},
         {"18446744073709551616", kNone, 0, "The value [18446744073709551616] is to large to fit in a ui8"},
         {"0x10", kNone, 0, "The value [0x10] can not be converted to a ui8"},  // base 10 only
@@ -58,17 +52,14 @@ TEST(ConversionsTest, WideIntegersRefuseOnlyOverflowAndTrailingText)
 TEST(ConversionsTest, NarrowIntegersTestTheirRangeAfterTheWideParse)
 {
     ExpectParses<CKdInvalidValueException, char>(&CConversions::i1FromString, {
-        {"127", kNone, 127, nullptr},
         {"-128", kNone, -128, nullptr},
         {"128", kNone, 0, "The value [128] is to large to fit in a i1"},
         {" -129 ", kCollapse, 0, "The value [ -129 ] is to large to fit in a i1"},
-        {"abc", kNone, 0, "The value [abc] can not be converted to a i4"},
     });
     ExpectParses<CKdInvalidValueException, short>(&CConversions::i2FromString, {
         {"-32768", kNone, -32768, nullptr},
-        {"32768", kNone, 0, "The value [32768] is to large to fit in a i2"},
         {" 40000 ", kCollapse, 0, "The value [ 40000 ] is to large to fit in a i2"},
-        {" 1 2 ", kCollapse, 0, "The value [1 2] can not be converted to a i4"},
+        {"abc", kNone, 0, "The value [abc] can not be converted to a i4"},
         {"99999999999999999999", kNone, 0, "The value [99999999999999999999] is to large to fit in a i4"},
     });
     ExpectParses<CKdInvalidValueException, unsigned char>(&CConversions::ui1FromString, {
@@ -80,7 +71,6 @@ TEST(ConversionsTest, NarrowIntegersTestTheirRangeAfterTheWideParse)
     ExpectParses<CKdInvalidValueException, unsigned short>(&CConversions::ui2FromString, {
         {"65535", kNone, 65535, nullptr},
         {"65536", kNone, 0, "The value [65536] is to large to fit in a ui2"},
-        {"-0", kNone, 0, nullptr},
     });
 }
 
@@ -92,14 +82,11 @@ TEST(ConversionsTest, IntegersPrintInDecimal)
         {CConversions::i2ToString(-32768), "-32768"},
         {CConversions::i4ToString(4294967296L), "0"},
         {CConversions::i4ToString(2147483648L), "-2147483648"},
-        {CConversions::i4ToString(-7), "-7"},
         {CConversions::i8ToString(LLONG_MIN), "-9223372036854775808"},
         {CConversions::ui1ToString(255), "255"},
-        {CConversions::ui2ToString(65535), "65535"},
         {CConversions::ui4ToString(4294967296UL + 5), "5"},
         {CConversions::ui4ToString(ULONG_MAX), "4294967295"},
         {CConversions::ui8ToString(ULLONG_MAX), "18446744073709551615"},
-        {CConversions::ui8ToString(0), "0"},
     });
 }
 
@@ -108,7 +95,6 @@ TEST(ConversionsTest, RealsPrintTheirSpecialValuesWithoutTheFormat)
     ExpectPrints({
         {CConversions::r4ToString(std::numeric_limits<float>::quiet_NaN(), "%.1f"), "NaN"},
         {CConversions::r4ToString(std::numeric_limits<float>::infinity(), "%.1f"), "INF"},
-        {CConversions::r4ToString(-std::numeric_limits<float>::infinity()), "-INF"},
         {CConversions::r8ToString(kNaN), "NaN"},
         {CConversions::r8ToString(-kInf, "%.1f"), "-INF"},
         {CConversions::r4ToString(FLT_MAX), "3.402823e+38"},
@@ -116,7 +102,6 @@ TEST(ConversionsTest, RealsPrintTheirSpecialValuesWithoutTheFormat)
         {CConversions::r8ToString(1.0), "1"},
         {CConversions::r8ToString(-0.0), "-0"},
         {CConversions::r8ToString(1e20), "1e+20"},
-        {CConversions::r8ToString(0.1), "0.1"},
         {CConversions::r8ToString(1.0 / 3), "0.3333333333333333"},
         {CConversions::r4ToString(1.0f / 3), "0.3333333"},
         {CConversions::r8ToString(5e-324), "4.940656458412465e-324"},
@@ -155,15 +140,12 @@ TEST(ConversionsTest, RealsReadTheirLiteralsThenTheLibraryForms)
 {
     ExpectParses<CKdInvalidValueException, double>(&CConversions::r8FromString, {
         {"", kNone, kNaN, nullptr},  // absent, not an error
-        {"  ", kCollapse, kNaN, nullptr},
         {"NaN", kNone, kNaN, nullptr},
         {"1.#QNAN", kNone, kNaN, nullptr},
         {"-NAN", kNone, kNaN, nullptr},
         {"INF", kNone, kInf, nullptr},
         {" -INF ", kCollapse, -kInf, nullptr},
         {"inf", kNone, kInf, nullptr},  // the library's own spellings
-        {"Infinity", kNone, kInf, nullptr},
-        {"nan", kNone, kNaN, nullptr},
         {"0x1p3", kNone, 8.0, nullptr},
         {"-0", kNone, -0.0, nullptr},
         {"1e400", kNone, kInf, nullptr},  // no overflow test
@@ -172,11 +154,9 @@ TEST(ConversionsTest, RealsReadTheirLiteralsThenTheLibraryForms)
         {"1.5 ", kPreserve, 0, "The value [1.5 ] can not be converted to a r8"},
         {"1,5", kNone, 0, "The value [1,5] can not be converted to a r8"},
         {"1.#INF", kNone, 0, "The value [1.#INF] can not be converted to a r8"},
-        {"INF ", kPreserve, 0, "The value [INF ] can not be converted to a r8"},
     });
     ExpectParses<CKdInvalidValueException, float>(&CConversions::r4FromString, {
         {"", kNone, std::numeric_limits<float>::quiet_NaN(), nullptr},
-        {"1.#QNAN", kNone, std::numeric_limits<float>::quiet_NaN(), nullptr},
         {"0.1", kNone, 0.1f, nullptr},
         {"3.4028235e38", kNone, FLT_MAX, nullptr},
         {"1e39", kNone, std::numeric_limits<float>::infinity(), nullptr},  // narrows to an infinity
@@ -216,7 +196,6 @@ TEST(ConversionsTest, Boolean)
 {
     ExpectParses<CKdInvalidValueException, bool>(&CConversions::booleanFromString, {
         {"true", kNone, true, nullptr},
-        {"TrUe", kNone, true, nullptr},
         {"1", kNone, true, nullptr},
         {"FALSE", kNone, false, nullptr},
         {"0", kNone, false, nullptr},
@@ -238,7 +217,6 @@ TEST(ConversionsTest, CharIsExactlyOneCharacterAfterTheRule)
     ExpectParses<CKdInvalidValueException, char>(&CConversions::charFromString, {
         {"a", kNone, 'a', nullptr},
         {" a\r\n", kCollapse, 'a', nullptr},
-        {" ", kNone, ' ', nullptr},
         {"", kNone, 0, "The value [] can not be a char as it is either empty of greater than 1 char long"},
         {"   ", kCollapse, 0, "The value [] can not be a char as it is either empty of greater than 1 char long"},
         {" a ", kReplace, 0, "The value [ a ] can not be a char as it is either empty of greater than 1 char long"},
@@ -263,13 +241,11 @@ TEST(ConversionsTest, FractionHelpers)
         {TrimTrainingZeros("000"), "0"},
         {TrimTrainingZeros("120"), "12"},
         {TrimTrainingZeros("100"), "1"},
-        {TrimTrainingZeros("105"), "105"},
         {PadZero(7, 3), "007"},
         {PadZero(1234, 3), "1234"},
         {PadZero(-7, 3), "-07"},
         {ToFracString(500, 0, 0), ".5"},
         {ToFracString(0, 0, 100), ".0000001"},
-        {ToFracString(0, 10, 0), ".00001"},
         {ToFracString(100, 200, 0), ".1002"},
         {ToFracString(123, 456, 789), ".123456789"},
         {ToFracString(0, 0, 0), ""},
