@@ -3,6 +3,7 @@
 #ifndef KDBIND_XMLINPUT_H
 #define KDBIND_XMLINPUT_H
 
+#include <cstddef>
 #include <exception>
 #include <map>
 #include <string>
@@ -53,6 +54,7 @@ private:
 // ---------------------------------------------------------------------------
 
 class CXmlDocument;
+class CNodePool;
 
 // Set and never read; kept because applications call it.
 extern bool ASYNC_FROMXMLFILE;
@@ -72,6 +74,13 @@ public:
     // Namespace declarations, xsi:type and the schema locations: attributes
     // that the binding must not take as data.
     bool IsNamespaceAttribute() const;
+
+    // The nodes of a parsed tree live in their document's memory pool;
+    // nodes made with plain new live on the heap. delete suits both.
+    static void* operator new(std::size_t size) { return operator new(size, nullptr); }
+    static void* operator new(std::size_t size, CNodePool* pool);
+    static void operator delete(void* node, std::size_t size);
+    static void operator delete(void* node, CNodePool* pool);
 
 private:
     std::string m_localName;
@@ -107,13 +116,25 @@ public:
     void AppendText(char const* text, int length);
     void AppendText(char const* text);
     void AddAttribute(std::string const& name, std::string const& value, std::string const& uri);
+    void ReserveAttributes(std::size_t count) { m_attributes.reserve(count); }
 
     // Links a new element at the end of the children and returns it.
     CXmlElement* CreateNewChildElement();
     // Unlinks the last child and hands it to the caller; null without children.
     CXmlElement* RemoveLastChildElement();
 
+    // See CXmlAttribute.
+    static void* operator new(std::size_t size) { return operator new(size, nullptr); }
+    static void* operator new(std::size_t size, CNodePool* pool);
+    static void operator delete(void* node, std::size_t size);
+    static void operator delete(void* node, CNodePool* pool);
+
 private:
+    friend class CXmlDocument;
+    // An element of a parsed tree: its children and attributes are made in
+    // the same pool.
+    CXmlElement(CXmlDocument const* document, CNodePool* pool);
+
     CXmlDocument const* m_document;
     CXmlElement* m_nextSibling = nullptr;
     CXmlElement* m_firstChild = nullptr;  // owns the list of children
@@ -122,6 +143,7 @@ private:
     std::string m_text;
     std::string m_localName;
     std::string m_namespaceURI;
+    CNodePool* m_pool = nullptr;  // null: children and attributes on the heap
 };
 
 class CXmlDocument : private CInstanceMonitor {
@@ -182,6 +204,9 @@ private:
     SchemaType m_schemaType = SchemaType_Default;
     ElementCallback m_callback;
     CXmlSerializationContext const* m_context;
+    CNodePool* m_nodePool = nullptr;  // made with the first element
+
+    CNodePool* NodePool();
 };
 
 // ---------------------------------------------------------------------------

@@ -162,6 +162,10 @@ void CExpatReader::FnStartElement(void* userData, char const* name, char const**
         CXmlElement* const element = document.GetDocumentElement()
                                          ? document.AddChildElement(reader.m_uri.c_str(), reader.m_local.c_str())
                                          : document.AddDocElement(reader.m_uri.c_str(), reader.m_local.c_str());
+        std::size_t count = 0;
+        while (attributes[2 * count])
+            ++count;
+        element->ReserveAttributes(count);
         for (char const** attribute = attributes; attribute[0]; attribute += 2) {
             reader.SplitName(attribute[0], false);
             reader.ToLocalCodePage(attribute[1], strlen(attribute[1]), false, reader.m_value);

@@ -1,4 +1,5 @@
 #include "kdbind/xmlinput.h"
+#include "xmlinput/node_pool.h"
 
 namespace KdBind {
 
@@ -13,6 +14,14 @@ CXmlAttribute::CXmlAttribute(std::string const& name, std::string const& value, 
 }
 
 CXmlAttribute::~CXmlAttribute() = default;
+
+static_assert(alignof(CXmlAttribute) <= CNodePool::kAlignment, "the node pool can hold it");
+
+void* CXmlAttribute::operator new(std::size_t size, CNodePool* pool) { return CNodePool::Allocate(pool, size); }
+
+void CXmlAttribute::operator delete(void* node, std::size_t size) { CNodePool::Free(node, size); }
+
+void CXmlAttribute::operator delete(void* node, CNodePool*) { CNodePool::Free(node, sizeof(CXmlAttribute)); }
 
 // The namespace test and the name test are independent: any of the four
 // names counts under either namespace. xsi:nil is data to the binding.

@@ -5,6 +5,7 @@
 
 #include "kdbind/binding.h"
 #include "kdbind/xmlinput.h"
+#include "xmlinput/node_pool.h"
 
 namespace KdBind {
 
@@ -46,6 +47,17 @@ void CXmlDocument::Cleanup()
     m_inputLength = 0;
     m_elementStack.clear();
     m_aliasMap.clear();
+    // Nodes that a caller took out of the tree keep the pool alive.
+    if (m_nodePool)
+        m_nodePool->Release();
+    m_nodePool = nullptr;
+}
+
+CNodePool* CXmlDocument::NodePool()
+{
+    if (!m_nodePool)
+        m_nodePool = new CNodePool;
+    return m_nodePool;
 }
 
 void CXmlDocument::LoadXml(char const* text)
@@ -104,7 +116,8 @@ CXmlElement* CXmlDocument::AddDocElement(char const* uri, char const* name)
         delete m_documentElement;
         m_elementStack.clear();
     }
-    m_documentElement = new CXmlElement(this);
+    CNodePool* const pool = NodePool();
+    m_documentElement = new (pool) CXmlElement(this, pool);
     m_documentElement->SetNamespace(std::string(uri));
     m_documentElement->SetElementName(std::string(name));
     m_elementStack.push_back(m_documentElement);

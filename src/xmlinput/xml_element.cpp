@@ -3,10 +3,24 @@
 #include <cstring>
 
 #include "kdbind/xmlinput.h"
+#include "xmlinput/node_pool.h"
 
 namespace KdBind {
 
 CXmlElement::CXmlElement(CXmlDocument const* document) : CInstanceMonitor("CXmlElement"), m_document(document) {}
+
+CXmlElement::CXmlElement(CXmlDocument const* document, CNodePool* pool)
+    : CInstanceMonitor("CXmlElement"), m_document(document), m_pool(pool)
+{
+}
+
+static_assert(alignof(CXmlElement) <= CNodePool::kAlignment, "the node pool can hold it");
+
+void* CXmlElement::operator new(std::size_t size, CNodePool* pool) { return CNodePool::Allocate(pool, size); }
+
+void CXmlElement::operator delete(void* node, std::size_t size) { CNodePool::Free(node, size); }
+
+void CXmlElement::operator delete(void* node, CNodePool*) { CNodePool::Free(node, sizeof(CXmlElement)); }
 
 // A document may be thousands of levels deep, so the subtree is taken apart
 // with a work list instead of recursion: each element's children are spliced
@@ -66,12 +80,18 @@ void CXmlElement::AppendText(char const* text)
 
 void CXmlElement::AddAttribute(std::string const& name, std::string const& value, std::string const& uri)
 {
-    m_attributes.push_back(new CXmlAttribute(name, value, uri));
+    CXmlAttribute* const attribute = new (m_pool) CXmlAttribute(name, value, uri);
+    try {
+        m_attributes.push_back(attribute);
+    } catch (...) {
+        delete attribute;
+        throw;
+    }
 }
 
 CXmlElement* CXmlElement::CreateNewChildElement()
 {
-    CXmlElement* child = new CXmlElement(m_document);
+    CXmlElement* child = new (m_pool) CXmlElement(m_document, m_pool);
     if (m_lastChild)
         m_lastChild->m_nextSibling = child;
     else

@@ -101,6 +101,26 @@ TEST(ElementTreeTest, ChildListLinksAndUnlinksAtTheEnd)
     EXPECT_EQ(ChildNames(root), std::vector<std::string>{"d"});
 }
 
+TEST(ElementTreeTest, NodesTakenOutOfTheTreeOutliveTheirDocument)
+{
+    CXmlElement* kept = nullptr;
+    {
+        CXmlDocument document;
+        document.LoadXml("<r><a x='1'>t</a><b y='2'>u<c/></b></r>");
+        kept = document.GetDocumentElement()->RemoveLastChildElement();
+        document.LoadXml("<s/>");
+    }
+    EXPECT_EQ(kept->GetAttribute("y", ""), "2");
+    EXPECT_EQ(kept->GetText(), "u");
+    kept->CreateNewChildElement()->AddAttribute("z", "3", "");
+    delete kept;
+
+    // Nodes made outside any document are plain heap objects.
+    CXmlElement* loose = new CXmlElement(nullptr);
+    loose->CreateNewChildElement()->AddAttribute("a", "1", "");
+    delete loose;
+}
+
 TEST(ElementTreeTest, TextAppendsSkipCarriageReturnsAndStopAtZero)
 {
     CXmlDocument document;
