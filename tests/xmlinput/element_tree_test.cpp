@@ -17,10 +17,12 @@ std::vector<std::string> ChildNames(CXmlElement const* parent)
     return names;
 }
 
-std::string MessageOf(void (*load)(CXmlDocument&), CXmlDocument& document)
+template <class Text>
+std::string LoadFailure(Text text)
 {
+    CXmlDocument document;
     try {
-        load(document);
+        document.LoadXml(text);
     } catch (CKdException const& e) {
         return e.GetMessage();
     }
@@ -34,13 +36,16 @@ TEST(ElementTreeTest, AllCharacterDataOfAnElementIsOneText)
     CXmlDocument document;
     document.LoadXml("<r>\n\t<a>one<b/>two&#13;three\r\nfour</a>\n</r>");
     CXmlElement* root = document.GetDocumentElement();
-    ASSERT_NE(root, nullptr);
     EXPECT_EQ(root->GetText(), "\n\t\n");
     CXmlElement* a = root->GetFirstElement();
     EXPECT_EQ(a->GetText(), "onetwothree\nfour");
     EXPECT_EQ(ChildNames(a), std::vector<std::string>{"b"});
-    EXPECT_EQ(a->GetFirstElement()->GetText(), "");
-    EXPECT_EQ(a->GetNextSiblingElement(), nullptr);
+
+    CXmlElement* built = document.AddDocElement("", "built");
+    CXmlDocument::AppendTextExcludingCR(built, "\r\ra\r\nb\r");
+    CXmlDocument::AppendTextExcludingCR(built, "cd\0ef", 5);
+    CXmlDocument::AppendTextExcludingCR(built, "ghij", 2);
+    EXPECT_EQ(built->GetText(), "a\nbcdgh");
 }
 
 TEST(ElementTreeTest, AttributesKeepDocumentOrderAndMatchExactly)
@@ -50,53 +55,39 @@ TEST(ElementTreeTest, AttributesKeepDocumentOrderAndMatchExactly)
     CXmlElement* root = document.GetDocumentElement();
     std::vector<std::string> order;
     for (CXmlAttribute const* attribute : root->GetAttributes())
-        order.push_back(attribute->GetNamespaceURI() + "|" + attribute->GetLocalName() + "=" +
-                        attribute->GetValue());
+        order.push_back(attribute->GetNamespaceURI() + "|" + attribute->GetLocalName() + "=" + attribute->GetValue());
     EXPECT_EQ(order, (std::vector<std::string>{"|z=1", "urn:p|a=2", "|a=3", "|b="}));
     EXPECT_EQ(root->GetAttribute("a", ""), "3");
     EXPECT_EQ(root->GetAttribute("a", "urn:p"), "2");
     EXPECT_EQ(root->GetAttribute("z", "urn:p"), "");
-    // The absent and the empty attribute read alike.
     EXPECT_EQ(&root->GetAttribute("missing", ""), &root->GetAttribute("z", "urn:other"));
-    EXPECT_EQ(root->GetAttribute("b", ""), "");
 }
 
 TEST(ElementTreeTest, NamespaceAttributesAreRecognisedByNamespaceAndName)
 {
     char const* xsi = "http://www.w3.org/2001/XMLSchema-instance";
     char const* xmlns = "http://www.w3.org/2000/xmlns/";
-    EXPECT_TRUE(CXmlAttribute("type", "t", xsi).IsNamespaceAttribute());
-    EXPECT_TRUE(CXmlAttribute("schemaLocation", "u", xsi).IsNamespaceAttribute());
-    EXPECT_TRUE(CXmlAttribute("noNamespaceSchemaLocation", "u", xsi).IsNamespaceAttribute());
-    EXPECT_TRUE(CXmlAttribute("xmlns", "u", xmlns).IsNamespaceAttribute());
-    EXPECT_TRUE(CXmlAttribute("type", "u", xmlns).IsNamespaceAttribute());
+    for (char const* name : {"type", "schemaLocation", "noNamespaceSchemaLocation", "xmlns"}) {
+        EXPECT_TRUE(CXmlAttribute(name, "v", xsi).IsNamespaceAttribute()) << name;
+        EXPECT_TRUE(CXmlAttribute(name, "v", xmlns).IsNamespaceAttribute()) << name;
+        EXPECT_FALSE(CXmlAttribute(name, "v", "").IsNamespaceAttribute()) << name;
+    }
     EXPECT_FALSE(CXmlAttribute("nil", "true", xsi).IsNamespaceAttribute());
-    EXPECT_FALSE(CXmlAttribute("type", "t", "").IsNamespaceAttribute());
-    EXPECT_FALSE(CXmlAttribute("xmlns", "u", "").IsNamespaceAttribute());
 }
 
-TEST(ElementTreeTest, ChildListLinksAndUnlinksAtTheEnd)
+TEST(ElementTreeTest, LastChildIsUnlinkedAndHandedOver)
 {
     CXmlDocument document;
     CXmlElement* root = document.AddDocElement("", "r");
     EXPECT_EQ(root->RemoveLastChildElement(), nullptr);
-    CXmlElement* a = root->CreateNewChildElement();
-    a->SetElementName("a");
-    root->CreateNewChildElement()->SetElementName("b");
-    CXmlElement* c = root->CreateNewChildElement();
-    c->SetElementName("c");
-    EXPECT_EQ(a->GetOwnerDocument(), &document);
-    EXPECT_EQ(ChildNames(root), (std::vector<std::string>{"a", "b", "c"}));
-
-    CXmlElement* removed = root->RemoveLastChildElement();
-    EXPECT_EQ(removed, c);
-    EXPECT_EQ(removed->GetNextSiblingElement(), nullptr);
-    delete removed;
+    for (char const* name : {"a", "b", "c"})
+        root->CreateNewChildElement()->SetElementName(name);
+    delete root->RemoveLastChildElement();
     EXPECT_EQ(ChildNames(root), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(root->GetFirstElement()->GetNextSiblingElement()->GetNextSiblingElement(), nullptr);
     delete root->RemoveLastChildElement();
     delete root->RemoveLastChildElement();
     EXPECT_EQ(root->GetFirstElement(), nullptr);
-    // The list is usable again after being emptied.
     root->CreateNewChildElement()->SetElementName("d");
     EXPECT_EQ(ChildNames(root), std::vector<std::string>{"d"});
 }
@@ -115,30 +106,16 @@ TEST(ElementTreeTest, NodesTakenOutOfTheTreeOutliveTheirDocument)
     kept->CreateNewChildElement()->AddAttribute("z", "3", "");
     delete kept;
 
-    // Nodes made outside any document are plain heap objects.
     CXmlElement* loose = new CXmlElement(nullptr);
     loose->CreateNewChildElement()->AddAttribute("a", "1", "");
     delete loose;
 }
 
-TEST(ElementTreeTest, TextAppendsSkipCarriageReturnsAndStopAtZero)
-{
-    CXmlDocument document;
-    CXmlElement* root = document.AddDocElement("", "r");
-    CXmlDocument::AppendTextExcludingCR(root, "\r\ra\r\nb\r");
-    CXmlDocument::AppendTextExcludingCR(root, "cd\0ef", 5);
-    CXmlDocument::AppendTextExcludingCR(root, "ghij", 2);
-    EXPECT_EQ(root->GetText(), "a\nbcdgh");
-}
-
 TEST(ElementTreeTest, EmptyTextIsRefused)
 {
-    CXmlDocument document;
-    EXPECT_EQ(MessageOf([](CXmlDocument& d) { d.LoadXml(""); }, document), "XML String is empty!");
-    EXPECT_EQ(MessageOf([](CXmlDocument& d) { d.LoadXml(L""); }, document), "XML String is empty!");
-    EXPECT_EQ(MessageOf([](CXmlDocument& d) { d.LoadXml(static_cast<char const*>(nullptr)); }, document),
-              "XML String is empty!");
-    EXPECT_EQ(document.GetDocumentElement(), nullptr);
+    EXPECT_EQ(LoadFailure(""), "XML String is empty!");
+    EXPECT_EQ(LoadFailure(L""), "XML String is empty!");
+    EXPECT_EQ(LoadFailure(static_cast<char const*>(nullptr)), "XML String is empty!");
 }
 
 TEST(ElementTreeTest, PrefixesAreOneFlatMapForTheWholeDocument)
@@ -150,9 +127,8 @@ TEST(ElementTreeTest, PrefixesAreOneFlatMapForTheWholeDocument)
     EXPECT_EQ(document.LookupNamespaceFromAlias(""), "urn:default");
     EXPECT_EQ(document.LookupNamespaceFromAlias("unknown"), "");
 
-    // A second load leaves nothing of the first.
     document.LoadXml("<s xmlns:z='urn:z'/>");
-    EXPECT_EQ(document.GetDocumentElement()->GetLocalName(), "s");
+    EXPECT_EQ(ChildNames(document.GetDocumentElement()), std::vector<std::string>{});
     EXPECT_EQ(document.LookupNamespaceFromAlias("p"), "");
     EXPECT_EQ(document.LookupNamespaceFromAlias("z"), "urn:z");
 }
@@ -166,17 +142,11 @@ bool ConsumeAll(CXmlElement* element)
     return true;
 }
 
-bool KeepAll(CXmlElement* element)
-{
-    g_finished.push_back(element->GetLocalName());
-    return false;
-}
-
 bool FailOnB(CXmlElement* element)
 {
     if (element->GetLocalName() == "b")
         throw CKdValidationException("b is not wanted");
-    return true;
+    return false;
 }
 } // namespace
 
@@ -191,15 +161,6 @@ TEST(ElementTreeTest, CallbackThatConsumesElementsKeepsTheTreeFlat)
     EXPECT_EQ(document.GetDocumentElement()->GetFirstElement(), nullptr);
 }
 
-TEST(ElementTreeTest, CallbackThatKeepsElementsLeavesTheTreeWhole)
-{
-    g_finished.clear();
-    CXmlDocument document(KeepAll);
-    document.LoadXml("<r><a><x/></a><b/></r>");
-    EXPECT_EQ(g_finished, (std::vector<std::string>{"x", "a", "b", "r"}));
-    EXPECT_EQ(ChildNames(document.GetDocumentElement()), (std::vector<std::string>{"a", "b"}));
-}
-
 TEST(ElementTreeTest, CallbackFailureReachesTheCallerUnchanged)
 {
     CXmlDocument document(FailOnB);
@@ -209,28 +170,8 @@ TEST(ElementTreeTest, CallbackFailureReachesTheCallerUnchanged)
     } catch (CKdValidationException const& e) {
         EXPECT_EQ(e.GetMessage(), "b is not wanted");
     }
-    // The document can be used again.
     document.LoadXml("<r><a/></r>");
-    EXPECT_EQ(document.GetDocumentElement()->GetFirstElement(), nullptr);
-}
-
-TEST(ElementTreeTest, DeepDocumentLoadsAndIsDestroyed)
-{
-    int const depth = 10000;
-    std::string xml;
-    for (int i = 0; i < depth; ++i)
-        xml += "<e>";
-    xml += "leaf";
-    for (int i = 0; i < depth; ++i)
-        xml += "</e>";
-    CXmlDocument document;
-    document.LoadXml(xml.c_str());
-    int levels = 0;
-    CXmlElement* element = document.GetDocumentElement();
-    for (; element->GetFirstElement(); element = element->GetFirstElement())
-        ++levels;
-    EXPECT_EQ(levels, depth - 1);
-    EXPECT_EQ(element->GetText(), "leaf");
+    EXPECT_EQ(ChildNames(document.GetDocumentElement()), std::vector<std::string>{"a"});
 }
 
 TEST(ElementTreeTest, DestroyingAVeryDeepTreeDoesNotRecurse)

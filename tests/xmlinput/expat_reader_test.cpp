@@ -9,9 +9,9 @@ using namespace KdBind;
 
 namespace {
 
-std::string ParseFailure(char const* xml, CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext)
+std::string ParseFailure(char const* xml)
 {
-    CXmlDocument document(context);
+    CXmlDocument document;
     try {
         document.LoadXml(xml);
     } catch (CKdException const& e) {
@@ -21,7 +21,7 @@ std::string ParseFailure(char const* xml, CXmlSerializationContext const& contex
 }
 
 // Non-ASCII text needs a local code page that can hold it.
-class Utf8Locale : public ::testing::Test {
+class Utf8LocaleTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
@@ -40,25 +40,19 @@ private:
 TEST(ExpatReaderTest, DefaultNamespaceReachesElementsButNotAttributes)
 {
     CXmlDocument document;
-    document.LoadXml("<r xmlns='urn:d' xmlns:p='urn:p' a='1' p:b='2'><c/><p:d/></r>");
+    document.LoadXml("<r xmlns='urn:d' xmlns:p='urn:p' a='1' p:b='2'><c/><p:d/><e xmlns=''/></r>");
     CXmlElement* root = document.GetDocumentElement();
     EXPECT_EQ(root->GetNamespaceURI(), "urn:d");
-    EXPECT_EQ(root->GetLocalName(), "r");
     // The declarations themselves are not attributes in namespace mode.
     ASSERT_EQ(root->GetAttributes().size(), 2u);
     EXPECT_EQ(root->GetAttributes()[0]->GetNamespaceURI(), "");
     EXPECT_EQ(root->GetAttributes()[1]->GetNamespaceURI(), "urn:p");
     EXPECT_EQ(root->GetAttributes()[1]->GetLocalName(), "b");
-    EXPECT_EQ(root->GetFirstElement()->GetNamespaceURI(), "urn:d");
-    EXPECT_EQ(root->GetFirstElement()->GetNextSiblingElement()->GetNamespaceURI(), "urn:p");
-    EXPECT_EQ(root->GetFirstElement()->GetNextSiblingElement()->GetLocalName(), "d");
-}
-
-TEST(ExpatReaderTest, UndeclaredDefaultNamespaceIsStoredEmpty)
-{
-    CXmlDocument document;
-    document.LoadXml("<r xmlns='urn:d'><c xmlns=''/></r>");
-    EXPECT_EQ(document.GetDocumentElement()->GetFirstElement()->GetNamespaceURI(), "");
+    CXmlElement* c = root->GetFirstElement();
+    EXPECT_EQ(c->GetNamespaceURI(), "urn:d");
+    EXPECT_EQ(c->GetNextSiblingElement()->GetNamespaceURI(), "urn:p");
+    EXPECT_EQ(c->GetNextSiblingElement()->GetLocalName(), "d");
+    EXPECT_EQ(c->GetNextSiblingElement()->GetNextSiblingElement()->GetNamespaceURI(), "");
     EXPECT_EQ(document.LookupNamespaceFromAlias(""), "");
 }
 
@@ -87,7 +81,6 @@ TEST(ExpatReaderTest, SchemaTypeTwoKeepsPrefixedNamesAndXmlnsAttributes)
     EXPECT_EQ(root->GetNamespaceURI(), "");
     ASSERT_EQ(root->GetAttributes().size(), 2u);
     EXPECT_EQ(root->GetAttributes()[0]->GetLocalName(), "xmlns:p");
-    EXPECT_EQ(root->GetAttributes()[0]->GetValue(), "urn:p");
     EXPECT_EQ(root->GetAttributes()[0]->GetNamespaceURI(), "");
     EXPECT_EQ(root->GetAttribute("p:a", ""), "1");
     EXPECT_EQ(root->GetFirstElement()->GetLocalName(), "p:c");
@@ -100,9 +93,8 @@ TEST(ExpatReaderTest, ParseFailuresNameTheLine)
     EXPECT_EQ(ParseFailure("<r>\n<a>text</a>\n"), "no element found at line 3");
     EXPECT_EQ(ParseFailure("<r/>\n<s/>"), "junk after document element at line 2");
     EXPECT_EQ(ParseFailure("<r a='1' a='2'/>"), "duplicate attribute at line 1");
-    EXPECT_EQ(ParseFailure("<r>&undefined;</r>"), "undefined entity at line 1");
-    // Binary input is not recognised here: it is just malformed text.
-    // Fast Infoset input ends at its first zero byte as a narrow text.
+    // Binary input is not recognised here: it is malformed text. Fast
+    // Infoset ends at its first zero byte as a narrow text.
     EXPECT_EQ(ParseFailure("\xE0\x00\x00\x01"), "partial character at line 1");
     EXPECT_EQ(ParseFailure("\x1F\x8B\x08\x00"), "not well-formed (invalid token) at line 1");
 }
@@ -117,22 +109,7 @@ TEST(ExpatReaderTest, PartialTreeOfAFailedParseIsDroppedOnReload)
     EXPECT_TRUE(document.GetElementStack().empty());
 }
 
-TEST(ExpatReaderTest, WideTextLoadsLikeNarrowText)
-{
-    CXmlDocument narrow;
-    narrow.LoadXml("<?xml version='1.0'?>\n<r xmlns:p='urn:p' p:a='v'>t<c>u</c></r>");
-    CXmlDocument wide;
-    wide.LoadXml(L"<?xml version='1.0' encoding='UTF-16'?>\n<r xmlns:p='urn:p' p:a='v'>t<c>u</c></r>");
-    CXmlElement* n = narrow.GetDocumentElement();
-    CXmlElement* w = wide.GetDocumentElement();
-    EXPECT_EQ(w->GetLocalName(), n->GetLocalName());
-    EXPECT_EQ(w->GetText(), n->GetText());
-    EXPECT_EQ(w->GetAttribute("a", "urn:p"), "v");
-    EXPECT_EQ(w->GetFirstElement()->GetText(), "u");
-    EXPECT_EQ(wide.LookupNamespaceFromAlias("p"), "urn:p");
-}
-
-TEST_F(Utf8Locale, NonAsciiTextIsConvertedToTheLocalCodePage)
+TEST_F(Utf8LocaleTest, WideAndNarrowTextLoadAlike)
 {
     CXmlDocument narrow;
     narrow.LoadXml("<caf\xC3\xA9 \xC3\xA0='\xE2\x82\xAC'>na\xC3\xAFve \xF0\x9F\x98\x80</caf\xC3\xA9>");
@@ -141,22 +118,21 @@ TEST_F(Utf8Locale, NonAsciiTextIsConvertedToTheLocalCodePage)
     EXPECT_EQ(root->GetAttribute("\xC3\xA0", ""), "\xE2\x82\xAC");
     EXPECT_EQ(root->GetText(), "na\xC3\xAFve \xF0\x9F\x98\x80");
 
-    // The wide form goes through UTF-16 with the same result below U+10000;
-    // above it, characters keep their 16 low bits.
+    // Through UTF-16, characters beyond 16 bits keep their 16 low bits.
     CXmlDocument wide;
-    wide.LoadXml(L"<caf\u00E9 \u00E0='\u20AC'>na\u00EFve \U0001F600</caf\u00E9>");
+    wide.LoadXml(L"<?xml version='1.0' encoding='UTF-16'?><caf\u00E9 \u00E0='\u20AC'>na\u00EFve \U0001F600</caf\u00E9>");
     root = wide.GetDocumentElement();
     EXPECT_EQ(root->GetLocalName(), "caf\xC3\xA9");
     EXPECT_EQ(root->GetAttribute("\xC3\xA0", ""), "\xE2\x82\xAC");
     EXPECT_EQ(root->GetText(), "na\xC3\xAFve \xEF\x98\x80");
 }
 
-TEST_F(Utf8Locale, LongNonAsciiTextOutgrowsTheScratchBuffer)
+TEST_F(Utf8LocaleTest, LongNonAsciiTextOutgrowsTheScratchBuffer)
 {
     std::string text;
     for (int i = 0; i < 3000; ++i)
         text += "\xC3\xA9";
-    std::string name = "n" + text.substr(0, 600);
+    std::string const name = "n" + text.substr(0, 600);
     CXmlDocument document;
     document.LoadXml(("<" + name + ">" + text + "</" + name + ">").c_str());
     EXPECT_EQ(document.GetDocumentElement()->GetLocalName(), name);
