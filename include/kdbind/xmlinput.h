@@ -98,6 +98,7 @@ public:
     // Destroys the whole subtree without recursion.
     ~CXmlElement() override;
 
+    // Valid while the document lives, also for an element taken out of its tree.
     CXmlDocument const* GetOwnerDocument() const { return m_document; }
     CXmlElement* GetFirstElement() const { return m_firstChild; }
     CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
