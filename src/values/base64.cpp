@@ -32,7 +32,41 @@ constexpr std::array<signed char, 128> MakeDecodeTable()
 
 constexpr auto kDecode = MakeDecodeTable();
 
+// The two characters of every 12-bit value: a group of three bytes is two
+// lookups.
+constexpr std::array<std::array<char, 2>, 4096> MakeCharacterPairs()
+{
+    constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::array<std::array<char, 2>, 4096> pairs{};
+    for (int value = 0; value < 4096; ++value)
+        pairs[value] = {alphabet[value >> 6], alphabet[value & 63]};
+    return pairs;
+}
+
+constexpr auto kCharacterPairs = MakeCharacterPairs();
+
 int DecodeValue(unsigned char c) { return kDecode[c & 0x7F]; }
+
+// The 12 bits of every pair of data characters, keyed by the pair's two
+// bytes as they lie in memory; -1 when either is not a data character.
+std::array<short, 65536> const& PairValues()
+{
+    static std::array<short, 65536> const table = [] {
+        std::array<short, 65536> values{};
+        for (int first = 0; first < 256; ++first) {
+            for (int second = 0; second < 256; ++second) {
+                unsigned char const pair[2] = {static_cast<unsigned char>(first), static_cast<unsigned char>(second)};
+                unsigned short key;
+                memcpy(&key, pair, sizeof key);
+                int const high = DecodeValue(pair[0]);
+                int const low = DecodeValue(pair[1]);
+                values[key] = high >= 0 && low >= 0 ? static_cast<short>(high << 6 | low) : -1;
+            }
+        }
+        return values;
+    }();
+    return table;
+}
 
 } // namespace
 
@@ -86,10 +120,8 @@ std::string CBase64::Encode(unsigned char* data, int length)
     for (int const whole = length - length % 3; position < whole; position += 3, out += 4) {
         unsigned int const group = static_cast<unsigned int>(data[position]) << 16 |
                                    static_cast<unsigned int>(data[position + 1]) << 8 | data[position + 2];
-        out[0] = m_sBase64Alphabet[group >> 18];
-        out[1] = m_sBase64Alphabet[(group >> 12) & 63];
-        out[2] = m_sBase64Alphabet[(group >> 6) & 63];
-        out[3] = m_sBase64Alphabet[group & 63];
+        memcpy(out, kCharacterPairs[group >> 12].data(), 2);
+        memcpy(out + 2, kCharacterPairs[group & 4095].data(), 2);
     }
     int got = 0;
     for (unsigned int value = Read(6, &got, position); got > 0; value = Read(6, &got, position))
@@ -115,14 +147,19 @@ int CBase64::Decode(char const* text, unsigned char* out)
 
     auto const* in = reinterpret_cast<unsigned char const*>(text);
     auto const* const end = in + length;
+    std::array<short, 65536> const& pairs = PairValues();
     int position = 0;
     while (in < end) {
         if (m_bitCount == 0 && end - in >= 4) {
-            int const a = DecodeValue(in[0]), b = DecodeValue(in[1]), c = DecodeValue(in[2]), d = DecodeValue(in[3]);
-            if ((a | b | c | d) >= 0) {  // four data characters on a byte boundary
-                out[position] = static_cast<unsigned char>(a << 2 | b >> 4);
-                out[position + 1] = static_cast<unsigned char>(b << 4 | c >> 2);
-                out[position + 2] = static_cast<unsigned char>(c << 6 | d);
+            unsigned short keys[2];
+            memcpy(keys, in, sizeof keys);
+            int const high = pairs[keys[0]];
+            int const low = pairs[keys[1]];
+            if ((high | low) >= 0) {  // four data characters on a byte boundary
+                unsigned int const group = static_cast<unsigned int>(high) << 12 | static_cast<unsigned int>(low);
+                out[position] = static_cast<unsigned char>(group >> 16);
+                out[position + 1] = static_cast<unsigned char>(group >> 8);
+                out[position + 2] = static_cast<unsigned char>(group);
                 position += 3;
                 in += 4;
                 continue;

@@ -42,6 +42,30 @@ constexpr std::array<unsigned char, 256> MakeNibbles()
 
 constexpr auto kNibbles = MakeNibbles();
 
+// The byte of every two-character pair, keyed by the pair's two bytes as
+// they lie in memory; -1 when either character is not a digit. One lookup
+// per byte decoded.
+constexpr short kNotHexPair = -1;
+
+std::array<short, 65536> const& PairValues()
+{
+    static std::array<short, 65536> const table = [] {
+        std::array<short, 65536> values{};
+        for (int high = 0; high < 256; ++high) {
+            for (int low = 0; low < 256; ++low) {
+                unsigned char const pair[2] = {static_cast<unsigned char>(high), static_cast<unsigned char>(low)};
+                unsigned short key;
+                memcpy(&key, pair, sizeof key);
+                values[key] = (kNibbles[high] | kNibbles[low]) & kNotHex
+                                  ? kNotHexPair
+                                  : static_cast<short>(kNibbles[high] << 4 | kNibbles[low]);
+            }
+        }
+        return values;
+    }();
+    return table;
+}
+
 [[noreturn]] void ThrowInvalidHexChar(char c)
 {
     throw CKdException(FormatString("Invalid char in hex string [%c]", c));
@@ -72,13 +96,15 @@ unsigned long CBinaryData::ConvertToHexData(char const* text, unsigned char** ou
     std::unique_ptr<unsigned char[]> data(new unsigned char[length / 2 + 1]);
     // Pairs are read to the end; an odd length pairs its last digit with the
     // terminating NUL, which is refused like any other character.
+    std::array<short, 65536> const& pairs = PairValues();
     unsigned long count = 0;
     for (size_t i = 0; i < length; i += 2, ++count) {
-        unsigned char const high = kNibbles[static_cast<unsigned char>(text[i])];
-        unsigned char const low = kNibbles[static_cast<unsigned char>(text[i + 1])];
-        if ((high | low) & kNotHex)
-            ThrowInvalidHexChar(high & kNotHex ? text[i] : text[i + 1]);
-        data[count] = static_cast<unsigned char>(high << 4 | low);
+        unsigned short key;
+        memcpy(&key, text + i, sizeof key);
+        short const value = pairs[key];
+        if (value == kNotHexPair)
+            ThrowInvalidHexChar(kNibbles[static_cast<unsigned char>(text[i])] & kNotHex ? text[i] : text[i + 1]);
+        data[count] = static_cast<unsigned char>(value);
     }
     *out = data.release();
     return count;

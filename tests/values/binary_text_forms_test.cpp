@@ -145,9 +145,17 @@ TEST(Base64FormTest, RoundTripsEveryLengthAroundTheGroupSize)
 {
     for (size_t length = 2; length < 200; ++length) {
         std::string const bytes = RandomBytes(length, static_cast<unsigned>(length));
+        std::string const encoded = FromBytes(bytes).GetAsBase64();
         CBinaryData back;
-        back.SetAsBase64(FromBytes(bytes).GetAsBase64().c_str());
+        back.SetAsBase64(encoded.c_str());
         ASSERT_EQ(Bytes(back), bytes) << "length " << length;
+
+        // Broken into lines at an odd width, so that groups straddle the breaks.
+        std::string broken;
+        for (size_t at = 0; at < encoded.size(); at += 7)
+            broken += encoded.substr(at, 7) + "\r\n";
+        back.SetAsBase64(broken.c_str());
+        ASSERT_EQ(Bytes(back), bytes) << "length " << length << " with line breaks";
     }
 }
 
