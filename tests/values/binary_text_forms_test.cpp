@@ -96,11 +96,8 @@ TEST(Base64FormTest, EncodesTheStandardForm)
     EXPECT_EQ(FromBytes(std::string("\xFB\xFF\xBF", 3)).GetAsBase64(), "+/+/");
     // One byte: two characters, one "=" and a NUL.
     EXPECT_EQ(CBinaryData("A").GetAsBase64(), std::string("QQ=\0", 4));
-
-    CBase64 codec;
-    EXPECT_EQ(codec.Encode(nullptr, 3), "");
-    std::string const long_input(1000, 'x');
-    std::string const encoded = FromBytes(long_input).GetAsBase64();
+    // No line breaks at any length.
+    std::string const encoded = FromBytes(std::string(1000, 'x')).GetAsBase64();
     EXPECT_EQ(encoded.size(), 1336u);
     EXPECT_EQ(encoded.find('\n'), std::string::npos);
 }
