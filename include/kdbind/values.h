@@ -344,8 +344,9 @@ public:
     // out[position++].
     void Write(unsigned int value, int bits, unsigned char* out, int& position);
 
-    static int const m_nMask[9];
-    static char const m_sBase64Alphabet[65];
+    // The low-bit mask for a count of bits.
+    static constexpr int m_nMask[9] = {0, 1, 3, 7, 15, 31, 63, 127, 255};
+    static constexpr char m_sBase64Alphabet[65] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 private:
     int m_inputLength = 0;

@@ -8,9 +8,6 @@
 
 #include "kdbind/values.h"
 
-int const CBase64::m_nMask[9] = {0, 1, 3, 7, 15, 31, 63, 127, 255};
-char const CBase64::m_sBase64Alphabet[65] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
 namespace {
 
 constexpr signed char kRefused = -2;
@@ -19,12 +16,11 @@ constexpr signed char kSkipped = -1;
 // Indexed by a character's low 7 bits: its value, kSkipped or kRefused.
 constexpr std::array<signed char, 128> MakeDecodeTable()
 {
-    constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::array<signed char, 128> table{};
     for (auto& entry : table)
         entry = kRefused;
     for (int i = 0; i < 64; ++i)
-        table[static_cast<unsigned char>(alphabet[i])] = static_cast<signed char>(i);
+        table[static_cast<unsigned char>(CBase64::m_sBase64Alphabet[i])] = static_cast<signed char>(i);
     for (char c : {'=', ' ', '\t', '\r', '\n'})
         table[static_cast<unsigned char>(c)] = kSkipped;
     return table;
@@ -36,10 +32,9 @@ constexpr auto kDecode = MakeDecodeTable();
 // lookups.
 constexpr std::array<std::array<char, 2>, 4096> MakeCharacterPairs()
 {
-    constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::array<std::array<char, 2>, 4096> pairs{};
     for (int value = 0; value < 4096; ++value)
-        pairs[value] = {alphabet[value >> 6], alphabet[value & 63]};
+        pairs[value] = {CBase64::m_sBase64Alphabet[value >> 6], CBase64::m_sBase64Alphabet[value & 63]};
     return pairs;
 }
 
