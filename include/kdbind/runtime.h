@@ -149,7 +149,7 @@ long _filelength(FILE* stream);
 // generated code passes them to metadata constructors.
 // ---------------------------------------------------------------------------
 
-enum ItemType {
+enum ItemType : int {
     ItemType_invalid = 0,
     ItemType_hexBinary = 1,
     ItemType_base64Binary = 2,
