@@ -11,6 +11,21 @@
 #include "kdbind/xmloutput.h"
 
 namespace KdBindData {
+
+// How the children of a class are grouped.
+enum XmlElementGroupType {
+    XmlElementGroupType_Sequence = 0,
+    XmlElementGroupType_Choice = 1,
+    XmlElementGroupType_All = 2
+};
+
+// Whether something has a tag of its own.
+enum XmlElementType {
+    XmlElementType_Element = 0,      // a real element with start and end tags
+    XmlElementType_PseudoChild = 1,  // no tag; its attributes go on the enclosing tag
+    XmlElementType_PseudoGroup = 2   // no tag; attributes are not forwarded
+};
+
 class CParentElementInfo;
 class CElementInfo;
 class CAttributeInfo;
@@ -226,6 +241,17 @@ public:
                                 CXmlWriter* writer) const;
     void ProcessElementChoiceToXml(CXmlSerializationContext const& context, KdBindData::CElementInfo** elements,
                                    CXmlWriter* writer, bool isOptional) const;
+
+    // The input walks; each returns the cursor: the next child not consumed.
+    void ProcessAttributesFromXml(CXmlSerializationContext const& context, CXmlElement* element,
+                                  bool rejectUnknown);
+    CXmlElement* ProcessElementSeqFromXml(CXmlSerializationContext const& context, CXmlElement* parent,
+                                          CXmlElement* cursor, KdBindData::XmlElementType ownerType);
+    CXmlElement* ProcessElementAllFromXml(CXmlSerializationContext const& context, CXmlElement* parent,
+                                          CXmlElement* cursor, KdBindData::XmlElementType ownerType);
+    CXmlElement* ProcessElementChoiceFromXml(CXmlSerializationContext const& context, CXmlElement* parent,
+                                             CXmlElement* cursor, KdBindData::XmlElementType ownerType,
+                                             bool isOptional);
 
 protected:
     void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& context) const override;

@@ -16,20 +16,6 @@ using KdBind::CXmlObjectBase;
 using KdBind::CXmlSerializationContext;
 using KdBind::CXmlWriter;
 
-// How the children of a class are grouped.
-enum XmlElementGroupType {
-    XmlElementGroupType_Sequence = 0,
-    XmlElementGroupType_Choice = 1,
-    XmlElementGroupType_All = 2
-};
-
-// Whether something has a tag of its own.
-enum XmlElementType {
-    XmlElementType_Element = 0,      // a real element with start and end tags
-    XmlElementType_PseudoChild = 1,  // no tag; its attributes go on the enclosing tag
-    XmlElementType_PseudoGroup = 2   // no tag; attributes are not forwarded
-};
-
 // Describes a generated class's own element. One per class.
 class CParentElementInfo {
 public:
