@@ -113,6 +113,31 @@ private:
 };
 
 // ---------------------------------------------------------------------------
+// Small pure tests on names, namespaces and values; static operations only.
+// ---------------------------------------------------------------------------
+
+class CXmlObjectHelper {
+public:
+    CXmlObjectHelper() = delete;
+
+    // Whether ns passes a wildcard restriction in the notation of the XSD
+    // attribute "namespace". Only the first token of a list is judged as a
+    // token; see the definition.
+    static bool IsNamespaceValid(std::string const& ns, std::string const& restriction,
+                                 std::string const& targetNamespace);
+    // IsNamespaceValid, failing with CKdInvalidNamespaceException.
+    static void TestNamespace(std::string const& ns, std::string const& restriction,
+                              std::string const& targetNamespace);
+    // Element identity under the options of the context.
+    static bool DoesElementNameMatch(CXmlSerializationContext const& context, CXmlElement const* element,
+                                     std::string const& name, std::string const& ns);
+    // Tests a value against the facets of its element or attribute; throws on
+    // a value outside them.
+    static void CheckRestriction(char const* name, KdVariant const& value, ItemType type,
+                                 CPrimitiveRestrictions const& restrictions);
+};
+
+// ---------------------------------------------------------------------------
 // Events by which a collection tells its owner that it changed.
 // ---------------------------------------------------------------------------
 
