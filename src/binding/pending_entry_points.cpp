@@ -36,10 +36,6 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, CXmlSerializationCont
 
 void CXmlObjectBase::FromXmlFile(char const*, CXmlSerializationContext const&) { NotAvailable("FromXmlFile"); }
 
-void CXmlObjectBase::FromXml(char const*, CXmlSerializationContext const&) { NotAvailable("FromXml"); }
-
-void CXmlObjectBase::FromXml(wchar_t const*, CXmlSerializationContext const&) { NotAvailable("FromXml"); }
-
 void CXmlObjectBase::FromXmlStream(unsigned char*, unsigned long, CXmlSerializationContext const&)
 {
     NotAvailable("FromXmlStream");
@@ -50,11 +46,6 @@ void CXmlObjectBase::FromXmlStream(CBinaryData const&, CXmlSerializationContext 
     NotAvailable("FromXmlStream");
 }
 
-void CXmlObjectBase::FromXmlElement(CXmlElement const*, CXmlSerializationContext const&)
-{
-    NotAvailable("FromXmlElement");
-}
-
 void CXmlObjectBase::FromXmlElement(CElement const*, CXmlSerializationContext const&)
 {
     NotAvailable("FromXmlElement");
@@ -62,10 +53,5 @@ void CXmlObjectBase::FromXmlElement(CElement const*, CXmlSerializationContext co
 
 // Only choice leaves can be optional here, and none is in the library yet.
 bool CXmlGeneratedClass::DoesElementContainOptionalElements() const { return false; }
-
-CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement*, CXmlElement*, CXmlSerializationContext const&, bool)
-{
-    NotAvailable("FromXml_Int");
-}
 
 } // namespace KdBind
