@@ -100,12 +100,94 @@ public:
     bool IsOptional() const { return m_optional; }
     std::string const& GetDefaultValue() const { return m_defaultValue; }
 
+    // Local name, then namespace unless the context ignores namespaces.
+    bool IsThisAttribute(CXmlSerializationContext const& context, KdBind::CXmlAttribute const* attribute) const;
+
 protected:
+    void AccessProperty(CXmlGeneratedClass* object, bool readAccess, KdBind::KdVariant& value) const;
+    void ReadProperty(CXmlGeneratedClass const* object, KdBind::KdVariant& value) const;
+    static void TestNamespace(std::string const& ns, std::string const& spec, std::string const& target);
+    static std::string GetTargetNamespace(CXmlObjectBase const* object);
+    static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool root, char const* ns,
+                          CXmlSerializationContext const& context);
+
+    // The steps that the typed leaves share.
+    // True when an optional attribute at its default is to be left out.
+    bool IsOmittedDefault(CXmlSerializationContext const& context, std::string const& text) const;
+    // Fails when a required attribute was not in the document.
+    void ValidatePresence(bool found) const;
+
     std::string m_name;
     std::string m_namespace;
     int m_propertyId;
     bool m_optional;
     std::string m_defaultValue;
+};
+
+// An attribute of a primitive type, converted through its lexical form.
+class CAttributeInfoPrimitive : public CAttributeInfo {
+public:
+    CAttributeInfoPrimitive(char const* name, char const* ns, int propertyId, bool optional,
+                            KdBind::ItemType itemType, char const* format,
+                            KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                            KdBind::CPrimitiveRestrictions const& restrictions, char const* defaultValue);
+
+    void AttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                        CXmlWriter* writer) const override;
+    bool AttributeFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                          KdBind::CXmlAttribute* attribute) override;
+    void Validate(CXmlSerializationContext const& context, bool found) const override;
+
+    void CheckRestriction(KdBind::KdVariant value) const;
+
+    KdBind::ItemType GetItemType() const { return m_itemType; }
+    KdBind::CPrimitiveRestrictions const& GetRestrictions() const { return m_restrictions; }
+
+private:
+    KdBind::CPrimitiveRestrictions m_restrictions;
+    KdBind::ItemType m_itemType;
+    char const* m_format;  // not owned; generated code passes a literal
+    KdBind::CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
+};
+
+// An attribute of an enumeration, mapped by the generated class's functions.
+class CAttributeInfoEnum : public CAttributeInfo {
+public:
+    using FromStringFunction = int (*)(char const*);
+    using ToStringFunction = char const* (*)(int);
+
+    CAttributeInfoEnum(char const* name, char const* ns, int propertyId, bool optional, ToStringFunction toString,
+                       FromStringFunction fromString, char const* defaultValue);
+
+    void AttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                        CXmlWriter* writer) const override;
+    bool AttributeFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                          KdBind::CXmlAttribute* attribute) override;
+    void Validate(CXmlSerializationContext const& context, bool found) const override;
+
+private:
+    FromStringFunction m_fromString;
+    ToStringFunction m_toString;
+};
+
+// The xs:anyAttribute wildcard: takes every attribute whose namespace the
+// specification allows, into a CAttributeCol property. Must stand last in
+// its table, since it refuses by failing, not by passing on.
+class CAttributeInfoAny : public CAttributeInfo {
+public:
+    CAttributeInfoAny(char const* name, char const* ns, int propertyId, bool optional, char const* namespaceSpec,
+                      char const* targetNamespace, char const* defaultValue);
+
+    void AttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                        CXmlWriter* writer) const override;
+    bool AttributeFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                          KdBind::CXmlAttribute* attribute) override;
+    // A wildcard is never missing.
+    void Validate(CXmlSerializationContext const& context, bool found) const override;
+
+private:
+    std::string m_namespaceSpec;
+    std::string m_targetNamespace;
 };
 
 } // namespace KdBindData
