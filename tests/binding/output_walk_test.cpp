@@ -2,140 +2,16 @@
 // tables use small test entries: a string child and an object child.
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 
-#include <kdbind/kdbind.h>
+#include "binding/hand_written_nodes.h"
 
 using namespace KdBind;
 using namespace KdBindData;
 
 namespace {
 
-// A child element holding a string property; the text "throw" makes it fail.
-class CStringChildEntry : public CElementInfo {
-public:
-    using CElementInfo::CElementInfo;
-    bool ElementToXml(CXmlSerializationContext const&, CXmlGeneratedClass const* object,
-                      CXmlWriter* writer) const override
-    {
-        KdVariant value;
-        object->ReadProperty(GetPropertyId(), value);
-        if (!value.IsValid())
-            return false;
-        if (value.GetString() == "throw")
-            throw CKdInvalidValueException("bad value");
-        writer->WriteStartElement(GetElementName(), GetNamespace());
-        writer->WriteString(value.GetString(), ItemType_string);
-        writer->WriteEndElement();
-        return true;
-    }
-    bool ElementFromXml(CXmlSerializationContext const&, CXmlGeneratedClass*, CXmlElement*, CXmlElement**,
-                        char const*, XmlElementType) override
-    {
-        return false;
-    }
-    bool Validate(CXmlSerializationContext const&, CXmlGeneratedClass const*, bool, bool) const override
-    {
-        return false;
-    }
-};
-
-// A child object, written under the entry's namespace; pseudo children
-// forward their attributes.
-class CObjectChildEntry : public CStringChildEntry {
-public:
-    using CStringChildEntry::CStringChildEntry;
-    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
-                      CXmlWriter* writer) const override
-    {
-        KdVariant value;
-        object->ReadProperty(GetPropertyId(), value);
-        CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
-        if (!value.IsValid() || !child)
-            return false;
-        CXmlObjectBase::ToXml_Int(child, writer, false, GetNamespace().c_str(), context, false);
-        return true;
-    }
-    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
-                                   CXmlWriter* writer) const override
-    {
-        KdVariant value;
-        object->ReadProperty(GetPropertyId(), value);
-        if (CSmartPtr<CXmlObjectBase> child = value.GetXmlObject())
-            CXmlObjectBase::AttributesToXml_Int(child, writer, context);
-    }
-};
-
-// An attribute holding a string property.
-class CStringAttributeEntry : public CAttributeInfo {
-public:
-    using CAttributeInfo::CAttributeInfo;
-    void AttributeToXml(CXmlSerializationContext const&, CXmlGeneratedClass const* object,
-                        CXmlWriter* writer) const override
-    {
-        KdVariant value;
-        object->ReadProperty(GetPropertyId(), value);
-        if (value.IsValid())
-            writer->WriteAttributeString(GetName(), GetNamespace(), value.GetString(), ItemType_string);
-    }
-    bool AttributeFromXml(CXmlSerializationContext const&, CXmlGeneratedClass*, CXmlAttribute*) override
-    {
-        return false;
-    }
-    void Validate(CXmlSerializationContext const&, bool) const override {}
-};
-
-// A class whose tables are given per instance, properties by number.
-class CTestNode : public CXmlGeneratedClass {
-public:
-    CTestNode(char const* name, CParentElementInfo* info, std::vector<CElementInfo*> elements = {},
-              std::vector<CAttributeInfo*> attributes = {})
-        : m_info(info)
-    {
-        SetElementName(name);
-        m_elements = new CElementInfo*[elements.size() + 1];
-        std::copy(elements.begin(), elements.end(), m_elements);
-        m_elements[elements.size()] = nullptr;
-        m_attributes = new CAttributeInfo*[attributes.size() + 1];
-        std::copy(attributes.begin(), attributes.end(), m_attributes);
-        m_attributes[attributes.size()] = nullptr;
-    }
-    ~CTestNode() override { CleanMetaData(m_info, m_elements, m_attributes); }
-
-    CXmlObjectBase* GetBase() override { return this; }
-    std::string GetTargetNamespace() const override { return m_info->GetNamespace(); }
-    std::string GetNamespace() const override { return m_info->GetNamespace(); }
-    void AccessProperty(int propertyId, bool readAccess, KdVariant& value) override
-    {
-        if (readAccess) {
-            auto text = m_strings.find(propertyId);
-            auto child = m_children.find(propertyId);
-            if (text != m_strings.end())
-                value.SetString(text->second);
-            else if (child != m_children.end())
-                value.SetXmlObject(child->second);
-        }
-    }
-    CParentElementInfo* GetClassInfo() const override { return m_info; }
-    CElementInfo** GetClassElementInfo() const override { return m_elements; }
-    CAttributeInfo** GetClassAttributeInfo() const override { return m_attributes; }
-    void Init() override {}
-
-    std::map<int, std::string> m_strings;
-    std::map<int, CSmartPtr<CXmlObjectBase>> m_children;
-
-private:
-    CParentElementInfo* m_info;
-    CElementInfo** m_elements;
-    CAttributeInfo** m_attributes;
-};
-
-CParentElementInfo* Info(XmlElementGroupType group, char const* name, char const* ns = "", int textId = -1,
-                         XmlElementType type = XmlElementType_Element, bool writeType = false)
-{
-    return new CParentElementInfo(group, type, name, ns, textId, true, writeType);
-}
+using namespace TestNodes;
 
 std::string FullFailure(CXmlObjectBase const& object, CXmlSerializationContext const& context =
                                                           CXmlSerializationContext::m_defaultContext)
