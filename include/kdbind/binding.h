@@ -229,6 +229,39 @@ public:
     static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                                     CXmlSerializationContext const& context);
 
+    // The CXmlObjectHelper tests in the form generated code calls them; they
+    // use no member of the object. A null text reads as the empty one.
+    bool IsNamespaceValid(char const* ns, char const* restriction, char const* targetNamespace) const;
+    void TestNamespace(char const* ns, char const* restriction, char const* targetNamespace) const;
+    bool DoesElementNameMatch(CXmlSerializationContext const& context, CXmlElement const* element, char const* name,
+                              char const* ns) const;
+
+protected:
+    // Guards and choice book-keeping for generated property setters. The
+    // selector names the chosen alternative of an xs:choice, empty for none;
+    // a failing guard leaves it as it was.
+    void Throw_IfPropertyIsNull(CXmlObjectBase* value, char const* propertyName);
+    void Throw_IfElementNameDiffers(CXmlObjectBase* value, char const* expectedName);
+    // Confirms a selection already made; it never makes one.
+    void Choice_SetElementValid(bool valid, char const* propertyName, std::string& selected);
+    // For single-valued alternatives; a null value clears the property.
+    void Choice_SelectElement(char const* propertyName, CXmlObjectBase* value, std::string& selected);
+    // For alternatives held in a collection, with the collection's new count.
+    void Choice_CollectionChanged(char const* propertyName, long count, std::string& selected);
+    // Reads a collection alternative of a choice unless an earlier one took
+    // elements (count above 0); advances the cursor and count when it took some.
+    void Choice_Read_Collection(CXmlCollectionBase* collection, CXmlElement* parent, CXmlElement*& cursor,
+                                long& count, CXmlSerializationContext const& context);
+
+    // The collection events, one per IEventSink::MsgType; the source given to
+    // the sink is the collection. Only collections fire them.
+    static void FireOnCollectionChangeEvent(IEventSink* sink, CXmlCollectionBase* collection);
+    static void FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);
+    static void FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);
+    // The index reaches the sink as a pointer to an int, null for -1.
+    static void FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectionBase* collection, int index);
+    static void FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, int index);
+
 private:
     std::string m_elementName;
     CKDCriticalSection m_lock;
@@ -297,31 +330,165 @@ public:
     CXmlCollectionBase();
     CXmlCollectionBase(char const* elementName, char const* ns, int minOccurs, int maxOccurs);
 
+    using CXmlObjectBase::GetBase;
     CXmlObjectBase* GetBase() override { return this; }
+    // A collection has no tag of its own: asking for one is a logic error.
     std::string GetTargetNamespace() const override;
     std::string GetNamespace() const override { return m_namespace; }
 
     virtual int GetCount() const = 0;
     virtual void Clear() = 0;
     virtual void Remove(int index) = 0;
+    // Checks the count against min and max occurs, unless the context ignores
+    // collection counts.
     virtual void ValidateCount(CXmlSerializationContext const& context) const;
 
     int GetMinOccurs() const { return m_minOccurs; }
     int GetMaxOccurs() const { return m_maxOccurs; }
 
+    // Listeners are not owned; one may be added more than once and then
+    // hears each event as often. Removing takes out every occurrence.
     void AddEventListener(IEventSink* listener);
     void RemoveEventListener(IEventSink* listener);
+    // Each tells every listener, in the order they were added.
     void FireOnCollectionChange();
     void FireOnCollectionAdd(void* item);
     void FireOnCollectionAddComplete(void* item);
     void FireOnCollectionRemove(int index);
     void FireOnCollectionRemoveComplete(int index);
 
-protected:
+private:
+    template <class Fire, class... Data>
+    void FireToListeners(Fire fire, Data... data);
+
     std::string m_namespace;
     std::vector<IEventSink*> m_listeners;
     int m_minOccurs = 0;
-    int m_maxOccurs = -1;
+    int m_maxOccurs = -1;  // -1: unbounded
+};
+
+// ---------------------------------------------------------------------------
+// A doubly linked list of counted objects: the base of collections of
+// generated classes. Appending and walking cost the same for every item;
+// reaching an item by index walks from the head.
+//
+// Every insertion tells the listeners, in this order: add (the list has not
+// changed yet, so a listener that throws stops the insertion), add complete,
+// change. A removal tells: remove, remove complete, change, with -1 as the
+// index. A listener that throws later than the first event leaves the change
+// made. Listeners must not change the list that is telling them.
+//
+// A concrete collection supplies ToXml_Int and FromXml_Int: it writes each
+// item through the item's own ToXml_Int, and reads consecutive elements that
+// DoesElementNameMatch its element name into new items that it appends.
+// ---------------------------------------------------------------------------
+
+class CXmlCollection : public CXmlCollectionBase {
+public:
+    // A node holds one counted reference on its item; the item may be null.
+    struct CNode {
+        CXmlObjectBase* item;
+        CNode* next;  // towards the tail
+        CNode* prev;  // towards the head
+    };
+
+    CXmlCollection();
+    CXmlCollection(char const* elementName, char const* ns, int minOccurs, int maxOccurs);
+    // Nodes are owned: a copy would free them twice.
+    CXmlCollection(CXmlCollection const&) = delete;
+    CXmlCollection& operator=(CXmlCollection const&) = delete;
+    // Removes every item, with the events of each removal.
+    ~CXmlCollection() override;
+
+    int GetCount() const override { return m_count; }
+    void Clear() override;
+    void Remove(int index) override;
+
+    CNode* GetHeadNode() const { return m_head; }
+    CNode* GetTailNode() const { return m_tail; }
+    CNode* GetNodeAtIndex(int index) const;
+    // The node whose item is the same object as item, seen through GetBase.
+    CNode* GetNodeForItem(CXmlObjectBase const* item) const;
+    // The node must belong to this list; a null node is ignored.
+    void RemoveNode(CNode* node);
+    void AppendItem(CXmlObjectBase* item);
+    void PrependItem(CXmlObjectBase* item);
+    // A null existing item appends.
+    void AddBeforeItem(CXmlObjectBase const* existing, CXmlObjectBase* item);
+    // A null existing item prepends.
+    void AddAfterItem(CXmlObjectBase const* existing, CXmlObjectBase* item);
+    // Index 0 to GetCount(); GetCount() appends.
+    void AddItemAt(int index, CXmlObjectBase* item);
+
+protected:
+    // Hands every item's attributes to the open tag: what a collection of
+    // pseudo children does for its enclosing element.
+    void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& context) const override;
+
+private:
+    // The second half of an insertion, after the add event: links item in
+    // front of before (at the tail for null) and tells the listeners.
+    void LinkAndAnnounce(CXmlObjectBase* item, CNode* before);
+    // Frees every node without events.
+    void ReleaseAllNodes() noexcept;
+
+    CNode* m_head = nullptr;
+    CNode* m_tail = nullptr;
+    int m_count = 0;
+};
+
+// ---------------------------------------------------------------------------
+// The base of collections of primitive values: the items' kind, facets,
+// whitespace rule and output format. It reads every consecutive element of
+// its name and namespace; the concrete class converts each text.
+// ---------------------------------------------------------------------------
+
+class CXmlTypeCollection : public CXmlCollectionBase {
+public:
+    // The facets come in the order of CPrimitiveRestrictions. The format is
+    // not copied and must outlive the collection.
+    CXmlTypeCollection(ItemType itemType, char const* elementName, char const* ns, int minOccurs, int maxOccurs,
+                       char const* pattern, int minLength, int maxLength, char const* minInclusive,
+                       char const* maxInclusive, char const* minExclusive, char const* maxExclusive, int length,
+                       CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format);
+
+    // Converts one element's text into a new item at the end.
+    virtual void AddFromString(std::string text) = 0;
+
+    ItemType GetItemType() const { return m_itemType; }
+    CPrimitiveRestrictions const& GetRestrictions() const { return m_restrictions; }
+    char const* GetFormat() const { return m_format; }
+    CWhitespaceUtils::WhitespaceRule GetWhitespaceRule() const { return m_whitespaceRule; }
+
+protected:
+    // Takes every consecutive element of the collection's name; more than
+    // max occurs too, since only ValidateCount judges the count.
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& context,
+                             bool isOptional) override;
+
+private:
+    CPrimitiveRestrictions m_restrictions;
+    ItemType m_itemType;
+    char const* m_format;  // not owned
+    CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
+};
+
+// ---------------------------------------------------------------------------
+// The base of generated class factories: the xsi:type of an element, which
+// tells a factory which class to make for a substitutable element.
+// ---------------------------------------------------------------------------
+
+class CClassfactoryBase {
+public:
+    virtual ~CClassfactoryBase() = default;
+
+    // The local part of xsi:type: behind the first colon, else all of it; ""
+    // when the attribute is absent.
+    static std::string GetElementType(CXmlElement* element);
+    // The namespace of xsi:type's prefix, looked up among the document's
+    // prefix declarations. Without a prefix, or with one the document does
+    // not declare, the element's own namespace stands in.
+    static std::string GetElementTypeNamespaceUri(CXmlElement* element);
 };
 
 } // namespace KdBind
