@@ -41,10 +41,21 @@ private:
     bool m_writeTypeAttribute;
 };
 
+// Makes the object of an optional child of one known generated class.
+typedef CSmartPtr<CXmlObjectBase> (*CElementInfoFactory)(int classId, char const* elementName);
+// Makes the object of a substitutable child from its element; null when no
+// class fits the element.
+typedef CSmartPtr<CXmlObjectBase> (*CElementInfoElementFactory)(KdBind::CXmlElement* element);
+
 // Root of the element metadata family: one entry per child of a class's
-// content model.
+// content model. Entries are shared by all objects of a class and never
+// change after construction.
 class CElementInfo {
 public:
+    // The generated functions that map an enumeration between int and text.
+    using EnumToText = char const* (*)(int);
+    using EnumFromText = int (*)(char const*);
+
     CElementInfo(char const* name, char const* ns, int propertyId);
     CElementInfo(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType, char const* format,
                  KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
@@ -56,9 +67,12 @@ public:
     // Writes the child; true when something was written.
     virtual bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
                               CXmlWriter* writer) const = 0;
+    // Consumes the child from the cursor on; what the result means depends
+    // on the group the entry belongs to.
     virtual bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
                                 CXmlElement* parent, CXmlElement** cursor, char const* ownerNamespace,
                                 XmlElementType ownerType) = 0;
+    // Whether a child that was or was not found is acceptable; all-groups only.
     virtual bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
                           bool ownerIsElement) const = 0;
     // Forwards a pseudo child's attributes to the open tag; nothing by default.
@@ -69,15 +83,593 @@ public:
     std::string const& GetNamespace() const { return m_namespace; }
     int GetPropertyId() const { return m_propertyId; }
 
+    // Whether the element is this entry's: local name, then namespace unless
+    // the context ignores namespaces. A null element never is.
+    bool IsThisElement(CXmlSerializationContext const& context, CXmlElement const* element) const;
+    // The namespace an untyped element made from a wildcard starts out in.
+    static std::string GetAnyDefaultNamespace(char const* spec, char const* ownerNamespace,
+                                              char const* targetNamespace);
+
 protected:
+    bool ElementToXmlCls(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                         CXmlWriter* writer, bool isOptional) const;
+    bool ElementToXmlCol(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                         CXmlWriter* writer) const;
+    bool ElementToXmlPrim(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                          CXmlWriter* writer) const;
+    bool ElementToXmlPrimOpt(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                             CXmlWriter* writer) const;
+    bool ElementToXmlEnum(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                          CXmlWriter* writer, EnumToText toText) const;
+    bool ElementToXmlEnumOpt(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                             CXmlWriter* writer, EnumToText toText) const;
+    void CheckRestriction(KdBind::KdVariant const& value) const;
+    void AccessProperty(CXmlGeneratedClass* object, bool readAccess, KdBind::KdVariant& value) const;
+    void ReadProperty(CXmlGeneratedClass const* object, KdBind::KdVariant& value) const;
+    static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* first,
+                                    CXmlSerializationContext const& context, bool isOptional);
+    static void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
+                                    CXmlSerializationContext const& context);
+
+    // Steps that the leaves of the three groups share.
+
+    // ValidateCount unless the context ignores counts, then ElementToXmlCol.
+    bool ElementToXmlCheckedCol(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                CXmlWriter* writer) const;
+    // The attributes of a pseudo child (element type 1 only) go on the open tag.
+    void ForwardPseudoChildAttributes(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                      CXmlWriter* writer, XmlElementType elementType, bool isCollection) const;
+    // The text of the element at the cursor into the property; the cursor
+    // moves past it.
+    void ReadPrimitive(CXmlGeneratedClass* object, CXmlElement** cursor) const;
+    void ReadEnumeration(CXmlGeneratedClass* object, CXmlElement** cursor, EnumFromText fromText) const;
+    // A mandatory object is held by the owner already; reads it from the
+    // element at the cursor and moves past it.
+    void ReadTaggedMandatory(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                             CXmlElement** cursor) const;
+    // Reads the mandatory object from the cursor on; returns where it stopped.
+    CXmlElement* ReadPseudoMandatory(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                                     CXmlElement* parent, CXmlElement* cursor) const;
+
+    // How an optional object leaf answers and stores: sequences report done
+    // even when they took nothing and store after reading; choices store
+    // first and clear the store again when a pseudo child took nothing.
+    struct OptionalRules {
+        bool resultWhenAbsent;
+        bool storeBeforeRead;
+    };
+    bool ReadOptionalCls(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                         CXmlElement** cursor, XmlElementType elementType, CElementInfoFactory factory, int classId,
+                         OptionalRules rules) const;
+    bool ReadOptionalAbsCls(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                            CXmlElement** cursor, CElementInfoElementFactory factory, OptionalRules rules) const;
+    // When a collection read on input checks its count, unless the context
+    // ignores counts.
+    enum CountCheck { CountCheck_Never, CountCheck_Always, CountCheck_WhenConsumed };
+    // Offers the cursor to the collection property, which takes as many
+    // elements as it can; true when it took any.
+    bool ReadCollection(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, CountCheck check) const;
+    // The same for a collection of untyped elements, locked to the entry's
+    // name unless it is "AnyElement".
+    bool ReadUntypedCollection(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                               CXmlElement* parent, CXmlElement** cursor, CountCheck check) const;
+    // Reads the untyped element that the owner holds already, when the name
+    // fits; returns where it stopped.
+    CXmlElement* ReadUntypedMandatory(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                                      CXmlElement* parent, CXmlElement* cursor) const;
+    // Reads a new untyped element from the cursor on. True when it consumed
+    // something and was stored; otherwise the property is cleared when
+    // clearWhenAbsent is set and left alone if not.
+    bool ReadUntypedOptional(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                             CXmlElement* parent, CXmlElement** cursor, char const* ownerNamespace,
+                             std::string const& anyNamespaceSpec, std::string const& targetNamespace,
+                             bool clearWhenAbsent) const;
+
     std::string m_elementName;
     std::string m_namespace;
     int m_propertyId;
     KdBind::CPrimitiveRestrictions m_restrictions;
     KdBind::ItemType m_itemType = KdBind::ItemType_invalid;
-    char const* m_format = nullptr;
+    char const* m_format = nullptr;  // not owned
     KdBind::CWhitespaceUtils::WhitespaceRule m_whitespaceRule = KdBind::CWhitespaceUtils::WhitespaceRule_None;
     bool m_hasPrimitiveInformation = false;
+};
+
+// ---------------------------------------------------------------------------
+// Children of an xs:sequence: each entry is offered the cursor once and must
+// find its element there or decide that it may be absent.
+// ---------------------------------------------------------------------------
+
+class CElementInfoSeq : public CElementInfo {
+public:
+    CElementInfoSeq(char const* name, char const* ns, int propertyId);
+    CElementInfoSeq(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType, char const* format,
+                    KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                    KdBind::CPrimitiveRestrictions const& restrictions);
+
+    // Sequences have nothing to validate afterwards: throws.
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+
+protected:
+    // An optional child is done whether or not it was there, and an object
+    // is stored once its content has been read.
+    static constexpr OptionalRules kOptional{true, false};
+
+    // Looks for a mandatory child of a tagged owner from the cursor on. True
+    // when the cursor stands at it; false when it is missing and the context
+    // lets that pass.
+    bool FindMandatory(CXmlSerializationContext const& context, CXmlElement** cursor) const;
+    [[noreturn]] void ThrowRequired() const;
+};
+
+// The collection leaves of a sequence: the property is a collection that
+// takes as many elements as it can.
+class CElementInfoSeqCol : public CElementInfoSeq {
+public:
+    CElementInfoSeqCol(char const* name, char const* ns, int propertyId);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+};
+
+// Kept for the interface; no leaf derives from it.
+class CElementInfoSeqNonCol : public CElementInfoSeq {
+protected:
+    CElementInfoSeqNonCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoSeqClsMnd : public CElementInfoSeq {
+public:
+    CElementInfoSeqClsMnd(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                          CElementInfoFactory factory, int classId, bool contentRequired);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
+private:
+    XmlElementType m_elementType;
+    bool m_contentRequired;  // a pseudo child must consume at least one element
+    CElementInfoFactory m_factory;
+    int m_classId;
+};
+
+class CElementInfoSeqClsOpt : public CElementInfoSeq {
+public:
+    CElementInfoSeqClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                          CElementInfoFactory factory, int classId);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoFactory m_factory;
+    int m_classId;
+};
+
+class CElementInfoSeqClsCol : public CElementInfoSeqCol {
+public:
+    CElementInfoSeqClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
+
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
+private:
+    XmlElementType m_elementType;
+};
+
+class CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
+public:
+    CElementInfoSeqAbsClsMnd(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                             CElementInfoElementFactory factory);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
+private:
+    XmlElementType m_elementType;  // output only: an abstract child is always read as tagged
+    CElementInfoElementFactory m_factory;
+};
+
+class CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
+public:
+    CElementInfoSeqAbsClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                             CElementInfoElementFactory factory);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoElementFactory m_factory;
+};
+
+class CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
+public:
+    CElementInfoSeqAbsClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
+
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
+private:
+    XmlElementType m_elementType;
+};
+
+class CElementInfoSeqPrimMnd : public CElementInfoSeq {
+public:
+    CElementInfoSeqPrimMnd(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
+                           char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                           KdBind::CPrimitiveRestrictions const& restrictions);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+};
+
+class CElementInfoSeqPrimOpt : public CElementInfoSeq {
+public:
+    CElementInfoSeqPrimOpt(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
+                           char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                           KdBind::CPrimitiveRestrictions const& restrictions);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+};
+
+class CElementInfoSeqPrimCol : public CElementInfoSeqCol {
+public:
+    CElementInfoSeqPrimCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoSeqEnumMnd : public CElementInfoSeq {
+public:
+    CElementInfoSeqEnumMnd(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
+                           int (*fromText)(char const*));
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+
+private:
+    EnumFromText m_fromText;
+    EnumToText m_toText;
+};
+
+class CElementInfoSeqEnumOpt : public CElementInfoSeq {
+public:
+    CElementInfoSeqEnumOpt(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
+                           int (*fromText)(char const*));
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+
+private:
+    EnumToText m_toText;
+    EnumFromText m_fromText;
+};
+
+class CElementInfoSeqEnumCol : public CElementInfoSeqCol {
+public:
+    CElementInfoSeqEnumCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoSeqUntpdMnd : public CElementInfoSeq {
+public:
+    CElementInfoSeqUntpdMnd(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
+                            char const* targetNamespace);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+
+private:
+    std::string m_anyNamespaceSpec;
+    std::string m_targetNamespace;
+};
+
+class CElementInfoSeqUntpdOpt : public CElementInfoSeq {
+public:
+    CElementInfoSeqUntpdOpt(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
+                            char const* targetNamespace);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+
+private:
+    std::string m_anyNamespaceSpec;
+    std::string m_targetNamespace;
+};
+
+class CElementInfoSeqUntpdCol : public CElementInfoSeqCol {
+public:
+    CElementInfoSeqUntpdCol(char const* name, char const* ns, int propertyId);
+
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+};
+
+// ---------------------------------------------------------------------------
+// Children of an xs:all: entries are offered elements in passes, in any
+// order, each taking at most one; Validate decides afterwards what may be
+// missing.
+// ---------------------------------------------------------------------------
+
+class CElementInfoAll : public CElementInfo {
+public:
+    CElementInfoAll(char const* name, char const* ns, int propertyId);
+    CElementInfoAll(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType, char const* format,
+                    KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                    KdBind::CPrimitiveRestrictions const& restrictions);
+};
+
+// Collections in an xs:all. The schema allows no repetition there, so the
+// leaves stay abstract: they have no Validate.
+class CElementInfoAllCol : public CElementInfoAll {
+public:
+    CElementInfoAllCol(char const* name, char const* ns, int propertyId);
+};
+
+// Kept for the interface; no leaf derives from it.
+class CElementInfoAllNonCol : public CElementInfoAll {
+protected:
+    CElementInfoAllNonCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoAllClsMnd : public CElementInfoAll {
+public:
+    CElementInfoAllClsMnd(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                          CElementInfoFactory factory, int classId, bool contentRequired);
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoFactory m_factory;
+    int m_classId;
+    bool m_contentRequired;
+};
+
+class CElementInfoAllClsOpt : public CElementInfoAll {
+public:
+    CElementInfoAllClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                          CElementInfoFactory factory, int classId);
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoFactory m_factory;
+    int m_classId;
+};
+
+class CElementInfoAllClsCol : public CElementInfoAllCol {
+public:
+    CElementInfoAllClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
+
+private:
+    XmlElementType m_elementType;
+};
+
+class CElementInfoAllAbsClsMnd : public CElementInfoAll {
+public:
+    CElementInfoAllAbsClsMnd(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                             CElementInfoElementFactory factory, int unused);
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoElementFactory m_factory;
+    int m_unused;  // passed by generated code, read by nothing
+};
+
+class CElementInfoAllAbsClsOpt : public CElementInfoAll {
+public:
+    CElementInfoAllAbsClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                             CElementInfoElementFactory factory);
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoElementFactory m_factory;
+};
+
+class CElementInfoAllAbsClsCol : public CElementInfoAllCol {
+public:
+    CElementInfoAllAbsClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
+
+private:
+    XmlElementType m_elementType;
+};
+
+class CElementInfoAllPrimMnd : public CElementInfoAll {
+public:
+    CElementInfoAllPrimMnd(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
+                           char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                           KdBind::CPrimitiveRestrictions const& restrictions);
+};
+
+class CElementInfoAllPrimOpt : public CElementInfoAll {
+public:
+    CElementInfoAllPrimOpt(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
+                           char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                           KdBind::CPrimitiveRestrictions const& restrictions);
+};
+
+class CElementInfoAllPrimCol : public CElementInfoAllCol {
+public:
+    CElementInfoAllPrimCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoAllEnumMnd : public CElementInfoAll {
+public:
+    CElementInfoAllEnumMnd(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
+                           int (*fromText)(char const*));
+
+private:
+    EnumToText m_toText;
+    EnumFromText m_fromText;
+};
+
+class CElementInfoAllEnumOpt : public CElementInfoAll {
+public:
+    CElementInfoAllEnumOpt(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
+                           int (*fromText)(char const*));
+
+private:
+    EnumToText m_toText;
+    EnumFromText m_fromText;
+};
+
+// Unlike its neighbours it derives from CElementInfoAll directly and
+// implements nothing.
+class CElementInfoAllEnumCol : public CElementInfoAll {
+public:
+    CElementInfoAllEnumCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoAllUntpdMnd : public CElementInfoAll {
+public:
+    CElementInfoAllUntpdMnd(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
+                            char const* targetNamespace);
+
+private:
+    std::string m_anyNamespaceSpec;
+    std::string m_targetNamespace;
+};
+
+class CElementInfoAllUntpdOpt : public CElementInfoAll {
+public:
+    CElementInfoAllUntpdOpt(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
+                            char const* targetNamespace);
+
+private:
+    std::string m_anyNamespaceSpec;
+    std::string m_targetNamespace;
+};
+
+class CElementInfoAllUntpdCol : public CElementInfoAllCol {
+public:
+    CElementInfoAllUntpdCol(char const* name, char const* ns, int propertyId);
+};
+
+// ---------------------------------------------------------------------------
+// Alternatives of an xs:choice: the walk stops at the first entry that takes
+// the element at the cursor, or that writes something.
+// ---------------------------------------------------------------------------
+
+class CElementInfoChoice : public CElementInfo {
+public:
+    CElementInfoChoice(char const* name, char const* ns, int propertyId);
+    CElementInfoChoice(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
+                       char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                       KdBind::CPrimitiveRestrictions const& restrictions);
+};
+
+class CElementInfoChoiceCol : public CElementInfoChoice {
+public:
+    CElementInfoChoiceCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoChoiceClsOpt : public CElementInfoChoice {
+public:
+    CElementInfoChoiceClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                             CElementInfoFactory factory, int classId);
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoFactory m_factory;
+    int m_classId;
+};
+
+class CElementInfoChoiceClsCol : public CElementInfoChoiceCol {
+public:
+    CElementInfoChoiceClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
+
+private:
+    XmlElementType m_elementType;
+};
+
+class CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
+public:
+    CElementInfoChoiceAbsClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
+                                CElementInfoElementFactory factory);
+
+private:
+    XmlElementType m_elementType;
+    CElementInfoElementFactory m_factory;
+};
+
+class CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol {
+public:
+    CElementInfoChoiceAbsClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
+
+private:
+    XmlElementType m_elementType;
+};
+
+class CElementInfoChoicePrimOpt : public CElementInfoChoice {
+public:
+    CElementInfoChoicePrimOpt(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
+                              char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                              KdBind::CPrimitiveRestrictions const& restrictions);
+};
+
+class CElementInfoChoicePrimCol : public CElementInfoChoiceCol {
+public:
+    CElementInfoChoicePrimCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoChoiceEnumOpt : public CElementInfoChoice {
+public:
+    CElementInfoChoiceEnumOpt(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
+                              int (*fromText)(char const*));
+
+private:
+    EnumToText m_toText;
+    EnumFromText m_fromText;
+};
+
+class CElementInfoChoiceEnumCol : public CElementInfoChoiceCol {
+public:
+    CElementInfoChoiceEnumCol(char const* name, char const* ns, int propertyId);
+};
+
+class CElementInfoChoiceUntpdOpt : public CElementInfoChoice {
+public:
+    CElementInfoChoiceUntpdOpt(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
+                               char const* targetNamespace);
+
+private:
+    std::string m_anyNamespaceSpec;
+    std::string m_targetNamespace;
+};
+
+class CElementInfoChoiceUntpdCol : public CElementInfoChoiceCol {
+public:
+    CElementInfoChoiceUntpdCol(char const* name, char const* ns, int propertyId);
 };
 
 // Root of the attribute metadata family: one entry per attribute.
