@@ -30,11 +30,9 @@ void CAttributeInfo::ReadProperty(CXmlGeneratedClass const* object, KdVariant& v
     object->ReadProperty(m_propertyId, value);
 }
 
-void CAttributeInfo::TestNamespace(std::string const&, std::string const&, std::string const&)
+void CAttributeInfo::TestNamespace(std::string const& ns, std::string const& spec, std::string const& target)
 {
-    // Becomes CXmlObjectHelper::TestNamespace(ns, spec, target) as soon as the
-    // namespace tests are in the library; until then the wildcard, which is
-    // the only caller and cannot take attributes yet, accepts every namespace.
+    CXmlObjectHelper::TestNamespace(ns, spec, target);
 }
 
 std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const* object)

@@ -144,8 +144,8 @@ class AttributeInfoInputTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        m_document.LoadXml("<order xmlns='urn:po' xmlns:x='urn:ext' id=' 42 ' rate='abc' lang='fr' x:lang='en' "
-                           "x:priority='high' status='low' x:status='urgent' x:any='1'/>");
+        m_document.LoadXml("<order xmlns='urn:po' xmlns:x='urn:ext' xmlns:p='urn:po' id=' 42 ' rate='abc' lang='fr' x:lang='en' "
+                           "x:priority='high' status='low' x:status='urgent' x:any='1' p:code='2'/>");
     }
 
     CXmlAttribute* Attribute(char const* name, char const* uri) const
@@ -290,6 +290,13 @@ TEST_F(AttributeInfoInputTest, WildcardRefusesAPropertyThatIsNoAttributeCollecti
     m_order->m_extra.SetString("not a collection");
     EXPECT_EQ(Failure([&] { any->AttributeFromXml(CXmlSerializationContext::m_defaultContext, m_order, attribute); }),
               dataError);
+    // The namespace is tested before the property: a wildcard refuses by failing.
+    CXmlAttribute* inTarget = Attribute("code", "urn:po");
+    EXPECT_EQ(Failure([&] { any->AttributeFromXml(CXmlSerializationContext::m_defaultContext, m_order, inTarget); }),
+              "Invalid namespace [urn:po]. The namespace must be one of [##other] where the target namespace is "
+              "[urn:po]");
+    EXPECT_THROW(any->AttributeFromXml(CXmlSerializationContext::m_defaultContext, m_order, inTarget),
+                 CKdInvalidNamespaceException);
 
     // On output an unset wildcard writes nothing; another kind is the same data error.
     CSmartPtr<COrder> order = NewOrder();
