@@ -1,0 +1,164 @@
+// The setter guards and the choice book-keeping that generated classes build
+// on, shown through a choice class written as the schema compiler writes one:
+//   <xs:choice><xs:element name="card" type="LineItem"/>
+//              <xs:element name="item" type="LineItem" maxOccurs="3"/></xs:choice>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "binding/collection_test_types.h"
+
+using namespace CollectionTest;
+
+namespace {
+
+class CPayment : public CLineItem {
+public:
+    CPayment() : m_vouchers(new CLineItemCol) { m_vouchers->AddEventListener(this); }
+    ~CPayment() override { m_vouchers->RemoveEventListener(this); }
+
+    void SetCard(CLineItem* value)
+    {
+        Throw_IfElementNameDiffers(value, "card");
+        Choice_SelectElement("Card", value, m_selected);
+        m_card = value;
+    }
+    CLineItemCol& GetVouchers() { return *m_vouchers; }
+    std::string const& Selected() const { return m_selected; }
+
+    // Refusing at the add event stops the add; the change event clears the
+    // selection when the collection empties.
+    void OnEvent(CXmlObjectBase* source, MsgType type, void*) override
+    {
+        if (source != m_vouchers.get())
+            return;
+        if (type == MsgType_ItemAdding)
+            Choice_CollectionChanged("Vouchers", m_vouchers->GetCount() + 1, m_selected);
+        else if (type == MsgType_CollectionChanged)
+            Choice_CollectionChanged("Vouchers", m_vouchers->GetCount(), m_selected);
+    }
+
+    // The helpers themselves, for the cases the setters above do not reach.
+    using CXmlObjectBase::Choice_CollectionChanged;
+    using CXmlObjectBase::Choice_Read_Collection;
+    using CXmlObjectBase::Choice_SelectElement;
+    using CXmlObjectBase::Choice_SetElementValid;
+    using CXmlObjectBase::Throw_IfPropertyIsNull;
+
+private:
+    CSmartPtr<CLineItem> m_card;
+    CSmartPtr<CLineItemCol> m_vouchers;
+    std::string m_selected;
+};
+
+std::string MessageOf(std::function<void()> const& action)
+{
+    try {
+        action();
+    } catch (CKdException const& e) {
+        return e.GetMessage();
+    }
+    return "<no exception>";
+}
+
+CLineItem* Card()
+{
+    CLineItem* card = new CLineItem("c");
+    card->SetElementName("card");
+    return card;
+}
+
+} // namespace
+
+TEST(ChoiceHelpersTest, OneAlternativeAtATimeThroughSettersAndCollectionEvents)
+{
+    CPayment payment;
+    CSmartPtr<CLineItem> card = Card();
+    payment.SetCard(card);
+    EXPECT_EQ(payment.Selected(), "Card");
+    EXPECT_EQ(MessageOf([&] { payment.GetVouchers().Add(new CLineItem("v")); }),
+              "The Property [Card] is already set. Only one element within this class bay be set at a time");
+    EXPECT_EQ(payment.GetVouchers().GetCount(), 0);
+
+    payment.SetCard(nullptr);
+    EXPECT_EQ(payment.Selected(), "");
+    payment.GetVouchers().Add(new CLineItem("v"));
+    EXPECT_EQ(payment.Selected(), "Vouchers");
+    EXPECT_EQ(MessageOf([&] { payment.SetCard(card); }),
+              "The Property [Vouchers] is already set. Only one element within this class bay be set at a time");
+    EXPECT_EQ(payment.Selected(), "Vouchers");
+    payment.SetCard(nullptr);  // clearing another alternative is ignored
+    EXPECT_EQ(payment.Selected(), "Vouchers");
+
+    payment.GetVouchers().Clear();
+    EXPECT_EQ(payment.Selected(), "");
+    payment.SetCard(nullptr);  // clearing with nothing selected selects
+    EXPECT_EQ(payment.Selected(), "Card");
+}
+
+TEST(ChoiceHelpersTest, GuardsAndTheirMessages)
+{
+    CPayment payment;
+    CLineItem named;  // element name "item"
+    EXPECT_EQ(MessageOf([&] { payment.Throw_IfPropertyIsNull(nullptr, "ShipTo"); }),
+              "The Property [ShipTo] is mandatory, it may node be NULL");
+    EXPECT_NO_THROW(payment.Throw_IfPropertyIsNull(&named, "ShipTo"));
+    EXPECT_EQ(MessageOf([&] { payment.SetCard(&named); }),
+              "This property requrires an element with the name card the element being set has the element name "
+              "item");
+    EXPECT_THROW(payment.SetCard(&named), CKdInvalidParamException);
+
+    // Marking valid confirms a selection; it never makes one, so an empty
+    // selector fails, in the wording without brackets.
+    std::string selected;
+    EXPECT_EQ(MessageOf([&] { payment.Choice_SetElementValid(true, "Card", selected); }),
+              "The Property  is already set. Only one element within this class bay be set at a time");
+    selected = "Other";
+    EXPECT_THROW(payment.Choice_SetElementValid(true, "Card", selected), CKdInvalidStateException);
+    EXPECT_EQ(selected, "Other");
+    payment.Choice_SetElementValid(false, "Card", selected);
+    EXPECT_EQ(selected, "");
+
+    selected = "Other";
+    payment.Choice_CollectionChanged("Vouchers", 0, selected);
+    EXPECT_EQ(selected, "Other");
+    EXPECT_THROW(payment.Choice_CollectionChanged("Vouchers", 1, selected), CKdInvalidStateException);
+    EXPECT_EQ(selected, "Other");
+}
+
+TEST(ChoiceHelpersTest, ReadingACollectionAlternative)
+{
+    CXmlDocument document;
+    document.LoadXml("<pay xmlns='urn:po'><item>1</item><item>2</item><other/>"
+                     "<item>3</item><item>4</item><item>5</item><item>6</item></pay>");
+    CXmlElement* pay = document.GetDocumentElement();
+    CXmlElement* const first = pay->GetFirstElement();
+    CXmlSerializationContext context;
+    CPayment payment;
+    CLineItemCol items;
+
+    long count = 1;  // an earlier alternative already took elements
+    CXmlElement* cursor = first;
+    payment.Choice_Read_Collection(&items, pay, cursor, count, context);
+    EXPECT_EQ(cursor, first);
+    EXPECT_EQ(items.GetCount(), 0);
+
+    count = 0;
+    payment.Choice_Read_Collection(&items, pay, cursor, count, context);
+    EXPECT_EQ(cursor->GetLocalName(), "other");
+    EXPECT_EQ(items.GetCount(), 2);
+    EXPECT_EQ(count, 1);
+
+    CXmlElement* const other = cursor;
+    count = 0;
+    payment.Choice_Read_Collection(&items, pay, cursor, count, context);  // nothing to take
+    EXPECT_EQ(cursor, other);
+    EXPECT_EQ(count, 0);
+
+    // Too many: the cursor has moved on when the count check fails.
+    CLineItemCol tooMany;
+    cursor = other->GetNextSiblingElement();
+    EXPECT_THROW(payment.Choice_Read_Collection(&tooMany, pay, cursor, count, context), CKdValidationException);
+    EXPECT_EQ(cursor, nullptr);
+    EXPECT_EQ(count, 0);
+}
