@@ -76,13 +76,14 @@ TEST(ChoiceHelpersTest, OneAlternativeAtATimeThroughSettersAndCollectionEvents)
     CSmartPtr<CLineItem> card = Card();
     payment.SetCard(card);
     EXPECT_EQ(payment.Selected(), "Card");
-    EXPECT_EQ(MessageOf([&] { payment.GetVouchers().Add(new CLineItem("v")); }),
+    CSmartPtr<CLineItem> voucher = new CLineItem("v");  // a refused item stays with its holder
+    EXPECT_EQ(MessageOf([&] { payment.GetVouchers().Add(voucher); }),
               "The Property [Card] is already set. Only one element within this class bay be set at a time");
     EXPECT_EQ(payment.GetVouchers().GetCount(), 0);
 
     payment.SetCard(nullptr);
     EXPECT_EQ(payment.Selected(), "");
-    payment.GetVouchers().Add(new CLineItem("v"));
+    payment.GetVouchers().Add(voucher);
     EXPECT_EQ(payment.Selected(), "Vouchers");
     EXPECT_EQ(MessageOf([&] { payment.SetCard(card); }),
               "The Property [Vouchers] is already set. Only one element within this class bay be set at a time");

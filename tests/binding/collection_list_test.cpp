@@ -175,6 +175,7 @@ TEST(CollectionListTest, AListenerThatThrowsLeavesTheChangeWhereItStopped)
         SCOPED_TRACE(test.throwAt);
         Log log;
         CEventLog refusing(log, "r"), follower(log, "f");
+        int destroyed = 0;
         CLineItemCol list;
         list.AppendItem(new CLineItem("a"));
         list.AddEventListener(&refusing);
@@ -188,7 +189,6 @@ TEST(CollectionListTest, AListenerThatThrowsLeavesTheChangeWhereItStopped)
             return (failed ? "!" : "") + Contents(list);
         };
 
-        int destroyed = 0;
         CSmartPtr<CLineItem> b = new CLineItem("b", &destroyed);
         EXPECT_EQ(outcome([&] { list.AppendItem(b); }), test.afterAppend);
         EXPECT_EQ(outcome([&] { list.Remove(0); }), test.afterRemove);
