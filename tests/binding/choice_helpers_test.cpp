@@ -4,8 +4,6 @@
 //              <xs:element name="item" type="LineItem" maxOccurs="3"/></xs:choice>
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "binding/collection_test_types.h"
 
 using namespace CollectionTest;
@@ -41,7 +39,6 @@ public:
     // The helpers themselves, for the cases the setters above do not reach.
     using CXmlObjectBase::Choice_CollectionChanged;
     using CXmlObjectBase::Choice_Read_Collection;
-    using CXmlObjectBase::Choice_SelectElement;
     using CXmlObjectBase::Choice_SetElementValid;
     using CXmlObjectBase::Throw_IfPropertyIsNull;
 
@@ -51,29 +48,13 @@ private:
     std::string m_selected;
 };
 
-std::string MessageOf(std::function<void()> const& action)
-{
-    try {
-        action();
-    } catch (CKdException const& e) {
-        return e.GetMessage();
-    }
-    return "<no exception>";
-}
-
-CLineItem* Card()
-{
-    CLineItem* card = new CLineItem("c");
-    card->SetElementName("card");
-    return card;
-}
-
 } // namespace
 
 TEST(ChoiceHelpersTest, OneAlternativeAtATimeThroughSettersAndCollectionEvents)
 {
     CPayment payment;
-    CSmartPtr<CLineItem> card = Card();
+    CSmartPtr<CLineItem> card = new CLineItem("c");
+    card->SetElementName("card");
     payment.SetCard(card);
     EXPECT_EQ(payment.Selected(), "Card");
     CSmartPtr<CLineItem> voucher = new CLineItem("v");  // a refused item stays with its holder
@@ -103,26 +84,20 @@ TEST(ChoiceHelpersTest, GuardsAndTheirMessages)
     CLineItem named;  // element name "item"
     EXPECT_EQ(MessageOf([&] { payment.Throw_IfPropertyIsNull(nullptr, "ShipTo"); }),
               "The Property [ShipTo] is mandatory, it may node be NULL");
-    EXPECT_NO_THROW(payment.Throw_IfPropertyIsNull(&named, "ShipTo"));
     EXPECT_EQ(MessageOf([&] { payment.SetCard(&named); }),
               "This property requrires an element with the name card the element being set has the element name "
               "item");
-    EXPECT_THROW(payment.SetCard(&named), CKdInvalidParamException);
 
-    // Marking valid confirms a selection; it never makes one, so an empty
-    // selector fails, in the wording without brackets.
+    // Marking valid confirms a selection and never makes one: an empty
+    // selector fails too, in the wording without brackets.
     std::string selected;
     EXPECT_EQ(MessageOf([&] { payment.Choice_SetElementValid(true, "Card", selected); }),
               "The Property  is already set. Only one element within this class bay be set at a time");
-    selected = "Other";
-    EXPECT_THROW(payment.Choice_SetElementValid(true, "Card", selected), CKdInvalidStateException);
-    EXPECT_EQ(selected, "Other");
-    payment.Choice_SetElementValid(false, "Card", selected);
+    payment.Choice_SetElementValid(false, "Card", (selected = "Other"));
     EXPECT_EQ(selected, "");
 
     selected = "Other";
     payment.Choice_CollectionChanged("Vouchers", 0, selected);
-    EXPECT_EQ(selected, "Other");
     EXPECT_THROW(payment.Choice_CollectionChanged("Vouchers", 1, selected), CKdInvalidStateException);
     EXPECT_EQ(selected, "Other");
 }
@@ -130,34 +105,29 @@ TEST(ChoiceHelpersTest, GuardsAndTheirMessages)
 TEST(ChoiceHelpersTest, ReadingACollectionAlternative)
 {
     CXmlDocument document;
-    document.LoadXml("<pay xmlns='urn:po'><item>1</item><item>2</item><other/>"
-                     "<item>3</item><item>4</item><item>5</item><item>6</item></pay>");
-    CXmlElement* pay = document.GetDocumentElement();
+    document.LoadXml("<pay xmlns='urn:po'><item>1</item><item>2</item><other/><item/><item/><item/><item/></pay>");
+    CXmlElement* const pay = document.GetDocumentElement();
     CXmlElement* const first = pay->GetFirstElement();
+    CXmlElement* const other = first->GetNextSiblingElement()->GetNextSiblingElement();
     CXmlSerializationContext context;
     CPayment payment;
-    CLineItemCol items;
+    CLineItemCol items, tooMany;
 
     long count = 1;  // an earlier alternative already took elements
     CXmlElement* cursor = first;
     payment.Choice_Read_Collection(&items, pay, cursor, count, context);
     EXPECT_EQ(cursor, first);
-    EXPECT_EQ(items.GetCount(), 0);
-
     count = 0;
     payment.Choice_Read_Collection(&items, pay, cursor, count, context);
-    EXPECT_EQ(cursor->GetLocalName(), "other");
+    EXPECT_EQ(cursor, other);
     EXPECT_EQ(items.GetCount(), 2);
     EXPECT_EQ(count, 1);
-
-    CXmlElement* const other = cursor;
     count = 0;
     payment.Choice_Read_Collection(&items, pay, cursor, count, context);  // nothing to take
     EXPECT_EQ(cursor, other);
     EXPECT_EQ(count, 0);
 
     // Too many: the cursor has moved on when the count check fails.
-    CLineItemCol tooMany;
     cursor = other->GetNextSiblingElement();
     EXPECT_THROW(payment.Choice_Read_Collection(&tooMany, pay, cursor, count, context), CKdValidationException);
     EXPECT_EQ(cursor, nullptr);

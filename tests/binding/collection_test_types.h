@@ -4,6 +4,7 @@
 #ifndef KDBIND_TESTS_COLLECTION_TEST_TYPES_H
 #define KDBIND_TESTS_COLLECTION_TEST_TYPES_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,11 +22,7 @@ public:
     {
         SetElementName("item");
     }
-    ~CLineItem() override
-    {
-        if (m_destroyed)
-            ++*m_destroyed;
-    }
+    ~CLineItem() override { if (m_destroyed) ++*m_destroyed; }
 
     std::string const& GetText() const { return m_text; }
 
@@ -45,21 +42,15 @@ public:
                                        true, false);
         return &info;
     }
-    CElementInfo** GetClassElementInfo() const override
-    {
-        static CElementInfo* none[] = {nullptr};
-        return none;
-    }
-    CAttributeInfo** GetClassAttributeInfo() const override
-    {
-        static CAttributeInfo* none[] = {nullptr};
-        return none;
-    }
+    CElementInfo** GetClassElementInfo() const override { return &m_noElements; }
+    CAttributeInfo** GetClassAttributeInfo() const override { return &m_noAttributes; }
     void Init() override { m_text.clear(); }
 
 private:
     std::string m_text;
     int* m_destroyed;
+    static inline CElementInfo* m_noElements = nullptr;
+    static inline CAttributeInfo* m_noAttributes = nullptr;
 };
 
 // <xs:element name="item" type="LineItem" minOccurs="1" maxOccurs="3"/>
@@ -122,6 +113,17 @@ private:
     std::string m_prefix;
     int m_throwAt = -1;
 };
+
+// The message of the failure an action throws.
+inline std::string MessageOf(std::function<void()> const& action)
+{
+    try {
+        action();
+    } catch (CKdException const& e) {
+        return e.GetMessage();
+    }
+    return "<no exception>";
+}
 
 } // namespace CollectionTest
 
