@@ -137,6 +137,7 @@ protected:
     struct OptionalRules {
         bool resultWhenAbsent;
         bool storeBeforeRead;
+        bool readAsOptional;  // a tagged child's own choice may stay empty
     };
     bool ReadOptionalCls(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
                          CXmlElement** cursor, XmlElementType elementType, CElementInfoFactory factory, int classId,
@@ -195,7 +196,7 @@ public:
 protected:
     // An optional child is done whether or not it was there, and an object
     // is stored once its content has been read.
-    static constexpr OptionalRules kOptional{true, false};
+    static constexpr OptionalRules kOptional{true, false, false};
 
     // Looks for a mandatory child of a tagged owner from the cursor on. True
     // when the cursor stands at it; false when it is missing and the context
@@ -237,8 +238,9 @@ public:
 private:
     XmlElementType m_elementType;
     bool m_contentRequired;  // a pseudo child must consume at least one element
-    CElementInfoFactory m_factory;
-    int m_classId;
+    // The owner holds a mandatory child already: nothing makes one here.
+    [[maybe_unused]] CElementInfoFactory m_factory;
+    [[maybe_unused]] int m_classId;
 };
 
 class CElementInfoSeqClsOpt : public CElementInfoSeq {
@@ -429,6 +431,18 @@ public:
     CElementInfoAll(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType, char const* format,
                     KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
                     KdBind::CPrimitiveRestrictions const& restrictions);
+
+protected:
+    // An optional child answers whether it took the element; an object is
+    // stored once its content has been read.
+    static constexpr OptionalRules kOptional{false, false, false};
+
+    // A mandatory child that was not found: false in a pseudo owner, so that
+    // the walk gives up quietly; a failure in a tagged one.
+    bool ValidateMandatory(bool found, bool ownerIsElement) const;
+    [[noreturn]] void ThrowMandatory() const;
+    // Abstract children in an xs:all cannot be read.
+    [[noreturn]] void ThrowAbstractNotImplemented() const;
 };
 
 // Collections in an xs:all. The schema allows no repetition there, so the
@@ -436,6 +450,11 @@ public:
 class CElementInfoAllCol : public CElementInfoAll {
 public:
     CElementInfoAllCol(char const* name, char const* ns, int propertyId);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
 };
 
 // Kept for the interface; no leaf derives from it.
@@ -449,10 +468,20 @@ public:
     CElementInfoAllClsMnd(char const* name, char const* ns, int propertyId, XmlElementType elementType,
                           CElementInfoFactory factory, int classId, bool contentRequired);
 
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
 private:
     XmlElementType m_elementType;
-    CElementInfoFactory m_factory;
-    int m_classId;
+    // The owner holds a mandatory child already: nothing makes one here.
+    [[maybe_unused]] CElementInfoFactory m_factory;
+    [[maybe_unused]] int m_classId;
     bool m_contentRequired;
 };
 
@@ -460,6 +489,15 @@ class CElementInfoAllClsOpt : public CElementInfoAll {
 public:
     CElementInfoAllClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
                           CElementInfoFactory factory, int classId);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
 
 private:
     XmlElementType m_elementType;
@@ -471,6 +509,9 @@ class CElementInfoAllClsCol : public CElementInfoAllCol {
 public:
     CElementInfoAllClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
 
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
 private:
     XmlElementType m_elementType;
 };
@@ -480,10 +521,19 @@ public:
     CElementInfoAllAbsClsMnd(char const* name, char const* ns, int propertyId, XmlElementType elementType,
                              CElementInfoElementFactory factory, int unused);
 
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
 private:
     XmlElementType m_elementType;
-    CElementInfoElementFactory m_factory;
-    int m_unused;  // passed by generated code, read by nothing
+    [[maybe_unused]] CElementInfoElementFactory m_factory;  // input is not implemented for it
+    [[maybe_unused]] int m_unused;                          // passed by generated code, read by nothing
 };
 
 class CElementInfoAllAbsClsOpt : public CElementInfoAll {
@@ -491,14 +541,26 @@ public:
     CElementInfoAllAbsClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
                              CElementInfoElementFactory factory);
 
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
 private:
     XmlElementType m_elementType;
-    CElementInfoElementFactory m_factory;
+    [[maybe_unused]] CElementInfoElementFactory m_factory;  // input is not implemented for it
 };
 
 class CElementInfoAllAbsClsCol : public CElementInfoAllCol {
 public:
     CElementInfoAllAbsClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
+
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
 
 private:
     XmlElementType m_elementType;
@@ -509,6 +571,13 @@ public:
     CElementInfoAllPrimMnd(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
                            char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
                            KdBind::CPrimitiveRestrictions const& restrictions);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
 };
 
 class CElementInfoAllPrimOpt : public CElementInfoAll {
@@ -516,6 +585,13 @@ public:
     CElementInfoAllPrimOpt(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
                            char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
                            KdBind::CPrimitiveRestrictions const& restrictions);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
 };
 
 class CElementInfoAllPrimCol : public CElementInfoAllCol {
@@ -528,6 +604,13 @@ public:
     CElementInfoAllEnumMnd(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
                            int (*fromText)(char const*));
 
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+
 private:
     EnumToText m_toText;
     EnumFromText m_fromText;
@@ -537,6 +620,13 @@ class CElementInfoAllEnumOpt : public CElementInfoAll {
 public:
     CElementInfoAllEnumOpt(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
                            int (*fromText)(char const*));
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
 
 private:
     EnumToText m_toText;
@@ -555,6 +645,13 @@ public:
     CElementInfoAllUntpdMnd(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
                             char const* targetNamespace);
 
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+
 private:
     std::string m_anyNamespaceSpec;
     std::string m_targetNamespace;
@@ -564,6 +661,13 @@ class CElementInfoAllUntpdOpt : public CElementInfoAll {
 public:
     CElementInfoAllUntpdOpt(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
                             char const* targetNamespace);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
 
 private:
     std::string m_anyNamespaceSpec;
@@ -586,17 +690,39 @@ public:
     CElementInfoChoice(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
                        char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
                        KdBind::CPrimitiveRestrictions const& restrictions);
+
+    // Choices have nothing to validate afterwards: throws.
+    bool Validate(CXmlSerializationContext const& context, CXmlGeneratedClass const* object, bool found,
+                  bool ownerIsElement) const override;
+
+protected:
+    // An alternative answers whether it took something. An object is stored
+    // before its content is read, and the store is taken back when a pseudo
+    // child consumed nothing.
+    static constexpr OptionalRules kOptional{false, true, false};
 };
 
 class CElementInfoChoiceCol : public CElementInfoChoice {
 public:
     CElementInfoChoiceCol(char const* name, char const* ns, int propertyId);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
 };
 
 class CElementInfoChoiceClsOpt : public CElementInfoChoice {
 public:
     CElementInfoChoiceClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
                              CElementInfoFactory factory, int classId);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
 
 private:
     XmlElementType m_elementType;
@@ -608,6 +734,9 @@ class CElementInfoChoiceClsCol : public CElementInfoChoiceCol {
 public:
     CElementInfoChoiceClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
 
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
 private:
     XmlElementType m_elementType;
 };
@@ -616,6 +745,13 @@ class CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
 public:
     CElementInfoChoiceAbsClsOpt(char const* name, char const* ns, int propertyId, XmlElementType elementType,
                                 CElementInfoElementFactory factory);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
 
 private:
     XmlElementType m_elementType;
@@ -626,6 +762,9 @@ class CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol {
 public:
     CElementInfoChoiceAbsClsCol(char const* name, char const* ns, int propertyId, XmlElementType elementType);
 
+    void PseudoChildAttributeToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                                   CXmlWriter* writer) const override;
+
 private:
     XmlElementType m_elementType;
 };
@@ -635,6 +774,11 @@ public:
     CElementInfoChoicePrimOpt(char const* name, char const* ns, int propertyId, KdBind::ItemType itemType,
                               char const* format, KdBind::CWhitespaceUtils::WhitespaceRule whitespaceRule,
                               KdBind::CPrimitiveRestrictions const& restrictions);
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
 };
 
 class CElementInfoChoicePrimCol : public CElementInfoChoiceCol {
@@ -646,6 +790,11 @@ class CElementInfoChoiceEnumOpt : public CElementInfoChoice {
 public:
     CElementInfoChoiceEnumOpt(char const* name, char const* ns, int propertyId, char const* (*toText)(int),
                               int (*fromText)(char const*));
+
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
 
 private:
     EnumToText m_toText;
@@ -662,6 +811,11 @@ public:
     CElementInfoChoiceUntpdOpt(char const* name, char const* ns, int propertyId, char const* anyNamespaceSpec,
                                char const* targetNamespace);
 
+    bool ElementToXml(CXmlSerializationContext const& context, CXmlGeneratedClass const* object,
+                      CXmlWriter* writer) const override;
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
+
 private:
     std::string m_anyNamespaceSpec;
     std::string m_targetNamespace;
@@ -670,6 +824,9 @@ private:
 class CElementInfoChoiceUntpdCol : public CElementInfoChoiceCol {
 public:
     CElementInfoChoiceUntpdCol(char const* name, char const* ns, int propertyId);
+
+    bool ElementFromXml(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, char const* ownerNamespace, XmlElementType ownerType) override;
 };
 
 // Root of the attribute metadata family: one entry per attribute.

@@ -293,8 +293,7 @@ bool CElementInfo::ReadOptionalCls(CXmlSerializationContext const& context, CXml
     CXmlObjectBase* child = value.GetXmlObject().get();
     CXmlElement* const start = *cursor;
     if (tagged) {
-        // Only a choice alternative lets the child's own choice stay empty.
-        FromXml_Int(child, start, start->GetFirstElement(), context, rules.storeBeforeRead);
+        FromXml_Int(child, start, start->GetFirstElement(), context, rules.readAsOptional);
         *cursor = start->GetNextSiblingElement();
     } else {
         CXmlElement* const reached = FromXml_Int(child, parent, start, context, false);
