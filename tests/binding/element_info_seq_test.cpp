@@ -26,44 +26,6 @@ std::string LoadFailure(COrder& order, std::string const& xml,
     return "<no exception>";
 }
 
-// One entry offered the children of a parsed root.
-struct CEntryCall {
-    explicit CEntryCall(char const* xml)
-    {
-        document.LoadXml(xml);
-        cursor = Root()->GetFirstElement();
-    }
-
-    CXmlElement* Root() const { return document.GetDocumentElement(); }
-    CXmlElement* Child(int index) const
-    {
-        CXmlElement* element = Root()->GetFirstElement();
-        while (element && index-- > 0)
-            element = element->GetNextSiblingElement();
-        return element;
-    }
-    bool Offer(CElementInfo* entry, XmlElementType ownerType,
-               CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext)
-    {
-        return entry->ElementFromXml(context, order, Root(), &cursor, NAMESPACE, ownerType);
-    }
-    std::string Failure(CElementInfo* entry, XmlElementType ownerType,
-                        CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext)
-    {
-        try {
-            Offer(entry, ownerType, context);
-        } catch (CKdException const& e) {
-            return e.GetFullMessage();
-        }
-        return "<no exception>";
-    }
-    CElementInfo* Entry(int index) const { return order->GetClassElementInfo()[index]; }
-
-    CXmlDocument document;
-    CSmartPtr<COrder> order = new COrder();
-    CXmlElement* cursor = nullptr;
-};
-
 CXmlSerializationContext const& IgnoreUnknown()
 {
     static CXmlSerializationContext context;
