@@ -1,25 +1,143 @@
-// The KdBind demo: builds a purchase order and prints the document it writes.
+// The KdBind demo: builds a purchase order, writes it as XML, reads it back
+// into a new object and checks that the round trip is exact, then shows what
+// a user sees for an object and a document that break the schema.
 #include <iostream>
+#include <string>
 
 #include "purchase_order.h"
 
 using namespace KdBind;
 using namespace PurchaseOrderSchema;
 
+namespace {
+
+CSmartPtr<CPurchaseOrder> BuildOrder()
+{
+    CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
+    order->SetOrderDate("2026-11-21");
+    order->SetStatus(OrderStatus_shipped);
+
+    CUSAddress& shipTo = order->GetShipTo();
+    shipTo.SetName("Alice Smith");
+    shipTo.SetStreet("123 Maple Street");
+    shipTo.SetCity("Mill Valley");
+    shipTo.SetState("CA");
+    shipTo.SetZip(90952);
+
+    CSmartPtr<CUSAddress> billTo = new CUSAddress();
+    billTo->SetName("Robert Smith");
+    billTo->SetStreet("8 Oak Avenue");
+    billTo->SetCity("Old Town");
+    billTo->SetState("PA");
+    billTo->SetZip(95819);
+    order->SetBillTo(billTo);
+
+    order->SetComment("Hurry, my lawn is going wild & the neighbours <complain>!");
+    order->SetPriority(Priority_urgent);
+
+    CSmartPtr<CLineItem> mower = new CLineItem();
+    mower->SetPartNum("872-AA");
+    mower->SetProductName("Lawnmower");
+    mower->SetQuantity(1);
+    mower->SetUSPrice(139.95);
+    CSmartPtr<CGadgetDetails> engine = new CGadgetDetails();
+    engine->SetVoltage(230);
+    mower->SetDetails(engine);
+    mower->SetComment("Confirm this is electric");
+    order->GetLineItems().Add(mower);
+
+    CSmartPtr<CLineItem> manual = new CLineItem();
+    manual->SetPartNum("926-AA");
+    manual->SetProductName("Lawn care, the manual");
+    manual->SetQuantity(1);
+    manual->SetUSPrice(9.0);
+    CSmartPtr<CBookDetails> book = new CBookDetails();
+    book->SetAuthor("G. Rass");
+    book->SetIsbn("978-0-00-000000-2");
+    manual->SetDetails(book);
+    order->GetLineItems().Add(manual);
+
+    order->GetTotals().SetSubtotal(148.95);
+    order->GetTotals().SetShipping(9.5);
+    order->GetTotals().SetItemCount(2);
+    return order;
+}
+
+// A document whose shipping address lacks its mandatory <city>.
+char const kBrokenDocument[] =
+    "<?xml version=\"1.0\"?>\n"
+    "<po:purchaseOrder xmlns:po=\"urn:kdbind:example:po\" orderDate=\"2026-11-21\">\n"
+    "\t<po:shipTo>\n"
+    "\t\t<po:name>Alice Smith</po:name>\n"
+    "\t\t<po:street>123 Maple Street</po:street>\n"
+    "\t\t<po:state>CA</po:state>\n"
+    "\t\t<po:zip>90952</po:zip>\n"
+    "\t</po:shipTo>\n"
+    "\t<po:lineItem partNum=\"872-AA\">\n"
+    "\t\t<po:productName>Lawnmower</po:productName>\n"
+    "\t\t<po:quantity>1</po:quantity>\n"
+    "\t\t<po:USPrice>139.95</po:USPrice>\n"
+    "\t</po:lineItem>\n"
+    "\t<po:subtotal>0</po:subtotal>\n"
+    "\t<po:itemCount>0</po:itemCount>\n"
+    "</po:purchaseOrder>\n";
+
+} // namespace
+
 int main()
 {
+    int status = 0;
     try {
-        CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
-
         CXmlSerializationContext context;
         context.GetNamespaceAliases().Add("po", NAMESPACE);
-        context.GetProcessingInstructions().push_back("<?xml-stylesheet type=\"text/xsl\" href=\"po.xsl\"?>");
+        context.GetNamespaceAliases().Add("xsi", "http://www.w3.org/2001/XMLSchema-instance");
 
-        std::cout << "The purchase order as XML:\n\n" << order->ToXml(true, true, EOLType_LF, context) << "\n";
+        CSmartPtr<CPurchaseOrder> order = BuildOrder();
+        std::string const written = order->ToXml(true, true, EOLType_LF, context);
+        std::cout << "1. The purchase order, written by ToXml:\n\n" << written << "\n";
+
+        CSmartPtr<CPurchaseOrder> copy = new CPurchaseOrder();
+        copy->FromXml(written.c_str());
+        std::string const rewritten = copy->ToXml(true, true, EOLType_LF, context);
+        bool const exact = rewritten == written;
+        std::cout << "2. Read back with FromXml and written again: the round trip is "
+                  << (exact ? "exact" : "NOT exact") << ".\n"
+                  << "   Ship to " << copy->GetShipTo().GetName() << ", " << copy->GetShipTo().GetCity()
+                  << "; subtotal " << copy->GetTotals().GetSubtotal() << "; priority "
+                  << PriorityToString(*copy->GetPriority()) << ";\n   " << copy->GetLineItems().GetCount()
+                  << " line items, the second a book by "
+                  << dynamic_cast<CBookDetails&>(*copy->GetLineItems().GetAt(1)->GetDetails()).GetAuthor()
+                  << " (its class chosen from xsi:type).\n\n";
+        if (!exact) {
+            std::cout << rewritten << "\n";
+            status = 1;
+        }
+
+        std::cout << "3. An order without line items breaks the lineItem occurrence count on output:\n\n";
+        try {
+            CSmartPtr<CPurchaseOrder> empty = BuildOrder();
+            empty->GetLineItems().Clear();
+            empty->ToXml(true, true, EOLType_LF, context);
+            std::cout << "   It was written, which it should not have been.\n";
+            status = 1;
+        } catch (CKdValidationException const& e) {
+            std::cout << e.GetFullMessage() << "\n\n";
+        }
+
+        std::cout << "4. A document whose shipping address has no <city>:\n\n" << kBrokenDocument << "\n";
+        try {
+            CSmartPtr<CPurchaseOrder> broken = new CPurchaseOrder();
+            broken->FromXml(kBrokenDocument);
+            std::cout << "   It loaded, which it should not have.\n";
+            status = 1;
+        } catch (CKdValidationException const& e) {
+            std::cout << "   FromXml refuses it; the message reads as the path to the fault:\n\n"
+                      << e.GetFullMessage() << "\n";
+        }
     } catch (CKdException const& e) {
         std::cerr << "KdBind failure:\n" << e.GetFullMessage() << "\n";
-        return 1;
+        status = 1;
     }
-    CPurchaseOrder::CleanMetaData();
-    return 0;
+    CleanMetaData();
+    return status;
 }

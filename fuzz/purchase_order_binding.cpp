@@ -8,7 +8,7 @@
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size)
 {
     std::string const text(reinterpret_cast<char const*>(data), size);
-    KdBind::CSmartPtr<PurchaseOrderSchema::CPurchaseOrder> order = new PurchaseOrderSchema::CPurchaseOrder();
+    CSmartPtr<PurchaseOrderSchema::CPurchaseOrder> order = new PurchaseOrderSchema::CPurchaseOrder();
     try {
         order->FromXml(text.c_str());
         order->ToXml();

@@ -45,6 +45,32 @@ int CXmlGeneratedClass::GetClassElementInfoCount() const
     return count;
 }
 
+bool CXmlGeneratedClass::IsElementInList(CXmlSerializationContext const& context, CXmlElement* element) const
+{
+    for (CElementInfo** entry = GetClassElementInfo(); entry && *entry; ++entry)
+        if ((*entry)->IsThisElement(context, element))
+            return true;
+    return false;
+}
+
+// A choice may stay empty when one of its alternatives is optional: an
+// optional leaf, or a collection that may hold nothing.
+bool CXmlGeneratedClass::DoesElementContainOptionalElements() const
+{
+    for (CElementInfo** entry = GetClassElementInfo(); entry && *entry; ++entry) {
+        if (dynamic_cast<CElementInfoChoiceCol const*>(*entry)) {
+            KdVariant value;
+            ReadProperty((*entry)->GetPropertyId(), value);
+            CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+            if (collection && collection->GetMinOccurs() == 0)
+                return true;
+        } else if (dynamic_cast<CElementInfoChoice const*>(*entry)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool root, char const* ns,
                                    CXmlSerializationContext const& context, bool isOptional) const
 {

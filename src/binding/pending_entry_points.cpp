@@ -51,7 +51,4 @@ void CXmlObjectBase::FromXmlElement(CElement const*, CXmlSerializationContext co
     NotAvailable("FromXmlElement");
 }
 
-// Only choice leaves can be optional here, and none is in the library yet.
-bool CXmlGeneratedClass::DoesElementContainOptionalElements() const { return false; }
-
 } // namespace KdBind

@@ -1,0 +1,152 @@
+#include "purchase_order.h"
+
+using namespace KdBindData;
+using KdBind::CPrimitiveRestrictions;
+using KdBind::CWhitespaceUtils;
+using KdBind::CXmlElement;
+using KdBind::CXmlObjectBase;
+using KdBind::CXmlSerializationContext;
+using KdBind::CXmlWriter;
+using KdBind::KdVariant;
+
+namespace PurchaseOrderSchema {
+
+// ---------------------------------------------------------------------------
+// CLineItem
+// ---------------------------------------------------------------------------
+
+CClassTables CLineItem::m_tables;
+
+CLineItem::CLineItem()
+{
+    SetElementName("lineItem");
+    Init();
+}
+
+void CLineItem::Init()
+{
+    m_partNum.clear();
+    m_productName.clear();
+    m_quantity = 0;
+    m_usPrice = 0;
+    m_details = nullptr;
+    m_comment.reset();
+}
+
+void CLineItem::SetDetails(CProductDetails* value)
+{
+    if (value)
+        value->SetElementName("details");
+    m_details = value;
+}
+
+void CLineItem::AccessProperty(int propertyId, bool readAccess, KdVariant& value)
+{
+    switch (propertyId) {
+    case Property_PartNum:
+        if (readAccess)
+            value.SetString(m_partNum);
+        else
+            m_partNum = value.GetString();
+        break;
+    case Property_ProductName:
+        if (readAccess)
+            value.SetString(m_productName);
+        else
+            m_productName = value.GetString();
+        break;
+    case Property_Quantity:
+        if (readAccess)
+            value.SetUI2(m_quantity);
+        else
+            m_quantity = value.GetUI2();
+        break;
+    case Property_USPrice:
+        if (readAccess)
+            value.SetR8(m_usPrice);
+        else
+            m_usPrice = value.GetR8();
+        break;
+    case Property_Details:
+        if (!readAccess)
+            m_details = dynamic_cast<CProductDetails*>(value.GetXmlObject().get());
+        else if (m_details)
+            value.SetXmlObject(m_details);
+        break;
+    case Property_Comment:
+        if (!readAccess)
+            m_comment = value.GetString();
+        else if (m_comment)
+            value.SetString(*m_comment);
+        break;
+    }
+}
+
+CParentElementInfo* CLineItem::GetClassInfo() const
+{
+    if (!m_tables.classInfo)
+        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "LineItem",
+                                                    NAMESPACE, -1, true, false);
+    return m_tables.classInfo;
+}
+
+CElementInfo** CLineItem::GetClassElementInfo() const
+{
+    if (!m_tables.elementInfo) {
+        CPrimitiveRestrictions const none;
+        auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+        auto const preserve = CWhitespaceUtils::WhitespaceRule_Preserve;
+        m_tables.elementInfo = new CElementInfo*[6]{
+            new CElementInfoSeqPrimMnd("productName", NAMESPACE, Property_ProductName, KdBind::ItemType_string, nullptr,
+                                       preserve, none),
+            new CElementInfoSeqPrimMnd("quantity", NAMESPACE, Property_Quantity, KdBind::ItemType_ui2, nullptr,
+                                       collapse, none),
+            new CElementInfoSeqPrimMnd("USPrice", NAMESPACE, Property_USPrice, KdBind::ItemType_r8, nullptr, collapse,
+                                       none),
+            new CElementInfoSeqAbsClsOpt("details", NAMESPACE, Property_Details, XmlElementType_Element,
+                                         &CProductDetailsFactory::CreateObject),
+            new CElementInfoSeqPrimOpt("comment", NAMESPACE, Property_Comment, KdBind::ItemType_string, nullptr,
+                                       preserve, none),
+            nullptr};
+    }
+    return m_tables.elementInfo;
+}
+
+CAttributeInfo** CLineItem::GetClassAttributeInfo() const
+{
+    if (!m_tables.attributeInfo)
+        m_tables.attributeInfo = new CAttributeInfo*[2]{
+            new CAttributeInfoPrimitive("partNum", "", Property_PartNum, false, KdBind::ItemType_string, nullptr,
+                                        CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
+            nullptr};
+    return m_tables.attributeInfo;
+}
+
+// ---------------------------------------------------------------------------
+// CLineItemCol
+// ---------------------------------------------------------------------------
+
+CLineItemCol::CLineItemCol() : CXmlCollection("lineItem", NAMESPACE, 1, -1) {}
+
+CLineItem* CLineItemCol::GetAt(int index) const { return static_cast<CLineItem*>(GetNodeAtIndex(index)->item); }
+
+void CLineItemCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& context,
+                             bool) const
+{
+    for (CNode* node = GetHeadNode(); node; node = node->next)
+        CXmlObjectBase::ToXml_Int(node->item, writer, false, ns, context, false);
+}
+
+CXmlElement* CLineItemCol::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& context,
+                                       bool)
+{
+    while (cursor && DoesElementNameMatch(context, cursor, GetElementName().c_str(), GetNamespace().c_str())) {
+        CSmartPtr<CLineItem> item = new CLineItem();
+        CXmlObjectBase::FromXml_Int(item, cursor, cursor->GetFirstElement(), context);
+        AppendItem(item);
+        cursor = cursor->GetNextSiblingElement();
+    }
+    return cursor;
+}
+
+} // namespace PurchaseOrderSchema

@@ -1,0 +1,81 @@
+#include "purchase_order.h"
+
+using namespace KdBindData;
+using KdBind::CPrimitiveRestrictions;
+using KdBind::CWhitespaceUtils;
+using KdBind::KdVariant;
+
+namespace PurchaseOrderSchema {
+
+CClassTables COrderTotals::m_tables;
+
+COrderTotals::COrderTotals()
+{
+    SetElementName("OrderTotals");
+    Init();
+}
+
+void COrderTotals::Init()
+{
+    m_subtotal = 0;
+    m_shipping.reset();
+    m_itemCount = 0;
+}
+
+void COrderTotals::AccessProperty(int propertyId, bool readAccess, KdVariant& value)
+{
+    switch (propertyId) {
+    case Property_Subtotal:
+        if (readAccess)
+            value.SetR8(m_subtotal);
+        else
+            m_subtotal = value.GetR8();
+        break;
+    case Property_Shipping:
+        if (!readAccess)
+            m_shipping = value.GetR8();
+        else if (m_shipping)
+            value.SetR8(*m_shipping);
+        break;
+    case Property_ItemCount:
+        if (readAccess)
+            value.SetUI2(m_itemCount);
+        else
+            m_itemCount = value.GetUI2();
+        break;
+    }
+}
+
+CParentElementInfo* COrderTotals::GetClassInfo() const
+{
+    if (!m_tables.classInfo)
+        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_PseudoChild,
+                                                    "OrderTotals", NAMESPACE, -1, false, false);
+    return m_tables.classInfo;
+}
+
+CElementInfo** COrderTotals::GetClassElementInfo() const
+{
+    if (!m_tables.elementInfo) {
+        CPrimitiveRestrictions const none;
+        auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+        m_tables.elementInfo = new CElementInfo*[4]{
+            new CElementInfoSeqPrimMnd("subtotal", NAMESPACE, Property_Subtotal, KdBind::ItemType_r8, nullptr, collapse,
+                                       none),
+            new CElementInfoSeqPrimOpt("shipping", NAMESPACE, Property_Shipping, KdBind::ItemType_r8, nullptr, collapse,
+                                       none),
+            new CElementInfoSeqPrimMnd("itemCount", NAMESPACE, Property_ItemCount, KdBind::ItemType_ui2, nullptr,
+                                       collapse, none),
+            nullptr};
+    }
+    return m_tables.elementInfo;
+}
+
+CAttributeInfo** COrderTotals::GetClassAttributeInfo() const
+{
+    if (!m_tables.attributeInfo)
+        m_tables.attributeInfo = new CAttributeInfo*[1]{nullptr};
+    return m_tables.attributeInfo;
+}
+
+} // namespace PurchaseOrderSchema

@@ -1,0 +1,139 @@
+#include "purchase_order.h"
+
+using namespace KdBindData;
+using KdBind::CPrimitiveRestrictions;
+using KdBind::CWhitespaceUtils;
+using KdBind::CXmlObjectBase;
+using KdBind::KdVariant;
+
+namespace PurchaseOrderSchema {
+
+CClassTables CPurchaseOrder::m_tables;
+
+CPurchaseOrder::CPurchaseOrder()
+{
+    SetElementName("purchaseOrder");
+    Init();
+}
+
+void CPurchaseOrder::Init()
+{
+    m_shipTo = new CUSAddress();
+    m_shipTo->SetElementName("shipTo");
+    m_billTo = nullptr;
+    m_comment.reset();
+    m_priority.reset();
+    m_lineItems = new CLineItemCol();
+    m_totals = new COrderTotals();
+    m_orderDate.clear();
+    m_status = OrderStatus_open;
+}
+
+void CPurchaseOrder::SetShipTo(CUSAddress* value)
+{
+    Throw_IfPropertyIsNull(value, "shipTo");
+    value->SetElementName("shipTo");
+    m_shipTo = value;
+}
+
+void CPurchaseOrder::SetBillTo(CUSAddress* value)
+{
+    if (value)
+        value->SetElementName("billTo");
+    m_billTo = value;
+}
+
+void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& value)
+{
+    switch (propertyId) {
+    case Property_ShipTo:
+        if (readAccess)
+            value.SetXmlObject(m_shipTo);
+        else
+            SetShipTo(dynamic_cast<CUSAddress*>(value.GetXmlObject().get()));
+        break;
+    case Property_BillTo:
+        if (!readAccess)
+            SetBillTo(dynamic_cast<CUSAddress*>(value.GetXmlObject().get()));
+        else if (m_billTo)
+            value.SetXmlObject(m_billTo);
+        break;
+    case Property_Comment:
+        if (!readAccess)
+            m_comment = value.GetString();
+        else if (m_comment)
+            value.SetString(*m_comment);
+        break;
+    case Property_Priority:
+        if (!readAccess)
+            m_priority = static_cast<Priority>(value.GetI4());
+        else if (m_priority)
+            value.SetI4(*m_priority);
+        break;
+    case Property_LineItems:
+        if (readAccess)
+            value.SetXmlCollection(m_lineItems);
+        break;
+    case Property_Totals:
+        if (readAccess)
+            value.SetXmlObject(m_totals);
+        else
+            m_totals = dynamic_cast<COrderTotals*>(value.GetXmlObject().get());
+        break;
+    case Property_OrderDate:
+        if (readAccess)
+            value.SetString(m_orderDate);
+        else
+            m_orderDate = value.GetString();
+        break;
+    case Property_Status:
+        if (!readAccess)
+            m_status = static_cast<OrderStatus>(value.GetI4());
+        else if (m_status)
+            value.SetI4(*m_status);
+        break;
+    }
+}
+
+CParentElementInfo* CPurchaseOrder::GetClassInfo() const
+{
+    if (!m_tables.classInfo)
+        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
+                                                    "purchaseOrder", NAMESPACE, -1, true, false);
+    return m_tables.classInfo;
+}
+
+CElementInfo** CPurchaseOrder::GetClassElementInfo() const
+{
+    if (!m_tables.elementInfo) {
+        CPrimitiveRestrictions const none;
+        m_tables.elementInfo = new CElementInfo*[7]{
+            new CElementInfoSeqClsMnd("shipTo", NAMESPACE, Property_ShipTo, XmlElementType_Element, &CreateObject,
+                                      ClassId_USAddress, false),
+            new CElementInfoSeqClsOpt("billTo", NAMESPACE, Property_BillTo, XmlElementType_Element, &CreateObject,
+                                      ClassId_USAddress),
+            new CElementInfoSeqPrimOpt("comment", NAMESPACE, Property_Comment, KdBind::ItemType_string, nullptr,
+                                       CWhitespaceUtils::WhitespaceRule_Preserve, none),
+            new CElementInfoSeqEnumOpt("priority", NAMESPACE, Property_Priority, &PriorityToString,
+                                       &PriorityFromString),
+            new CElementInfoSeqClsCol("lineItem", NAMESPACE, Property_LineItems, XmlElementType_Element),
+            new CElementInfoSeqClsMnd("OrderTotals", NAMESPACE, Property_Totals, XmlElementType_PseudoChild,
+                                      &CreateObject, ClassId_OrderTotals, true),
+            nullptr};
+    }
+    return m_tables.elementInfo;
+}
+
+CAttributeInfo** CPurchaseOrder::GetClassAttributeInfo() const
+{
+    if (!m_tables.attributeInfo)
+        m_tables.attributeInfo = new CAttributeInfo*[3]{
+            new CAttributeInfoPrimitive("orderDate", "", Property_OrderDate, false, KdBind::ItemType_string, nullptr,
+                                        CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
+            new CAttributeInfoEnum("status", "", Property_Status, true, &OrderStatusToString, &OrderStatusFromString,
+                                   "open"),
+            nullptr};
+    return m_tables.attributeInfo;
+}
+
+} // namespace PurchaseOrderSchema
