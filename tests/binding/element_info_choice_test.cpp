@@ -105,14 +105,3 @@ TEST(ElementInfoChoiceTest, CollectionCountIsCheckedOnlyWhenItTookSomething)
     EXPECT_EQ(std::string(stream.GetText()), "<AA:item xmlns:AA=\"urn:po\"/><AA:item xmlns:AA=\"urn:po\"/>"
                                              "<AA:item xmlns:AA=\"urn:po\"/><AA:item xmlns:AA=\"urn:po\"/>");
 }
-
-TEST(ElementInfoChoiceTest, ChoiceEntriesRefuseValidate)
-{
-    CAlternatives alternatives;
-    try {
-        alternatives.note.Validate(CXmlSerializationContext::m_defaultContext, nullptr, true, true);
-        FAIL() << "no exception";
-    } catch (CKdException const& e) {
-        EXPECT_EQ(e.GetFullMessage(), "Not implemented, should never be called");
-    }
-}

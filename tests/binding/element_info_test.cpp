@@ -205,13 +205,16 @@ TEST(ElementInfoTest, PseudoGroupKeepsItsAttributes)
     EXPECT_EQ(std::string(stream.GetText()), "<order currency=\"USD\"/>");
 }
 
-TEST(ElementInfoTest, SequenceEntriesRefuseValidate)
+TEST(ElementInfoTest, SequenceAndChoiceEntriesRefuseValidate)
 {
     COrder order;
-    try {
-        order.GetClassElementInfo()[0]->Validate(CXmlSerializationContext::m_defaultContext, &order, true, true);
-        FAIL() << "no exception";
-    } catch (CKdException const& e) {
-        EXPECT_EQ(e.GetFullMessage(), "Not implemented, should never be called");
+    CElementInfoChoiceEnumOpt choice("shade", NAMESPACE, COrder::Property_Shade, &ColourToString, &ColourFromString);
+    for (CElementInfo const* entry : {order.GetClassElementInfo()[0], static_cast<CElementInfo*>(&choice)}) {
+        try {
+            entry->Validate(CXmlSerializationContext::m_defaultContext, &order, true, true);
+            ADD_FAILURE() << "no exception";
+        } catch (CKdException const& e) {
+            EXPECT_EQ(e.GetFullMessage(), "Not implemented, should never be called");
+        }
     }
 }

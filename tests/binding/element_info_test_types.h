@@ -7,6 +7,8 @@
 //   <address>          sequence: street, city?
 //   OrderTotals        pseudo child; sequence: count; attribute currency
 //   <shape kind="..."> substitutable: kind="circle" makes a CCircle
+//
+// CEntryCall offers single entries the children of a parsed document.
 #ifndef KDBIND_TESTS_ELEMENT_INFO_TEST_TYPES_H
 #define KDBIND_TESTS_ELEMENT_INFO_TEST_TYPES_H
 
@@ -241,7 +243,6 @@ public:
 
     void AccessProperty(int propertyId, bool readAccess, KdVariant& value) override
     {
-        ++accessCount;
         switch (propertyId) {
         case Property_Id: Int(id, readAccess, value); break;
         case Property_Colour: Int(colour, readAccess, value); break;
@@ -310,7 +311,6 @@ public:
     CSmartPtr<CXmlObjectBase> shape;
     CSmartPtr<CXmlObjectBase> extra;
     CSmartPtr<CLineItemCol> items;
-    int accessCount = 0;
 
 private:
     static void Int(long& field, bool readAccess, KdVariant& value)
