@@ -288,9 +288,14 @@ bool CElementInfo::ReadOptionalCls(CXmlSerializationContext const& context, CXml
         return rules.resultWhenAbsent;
     KdVariant value;
     value.SetXmlObject(factory(classId, m_elementName.c_str()));
+    CXmlObjectBase* child = ObjectIn(value);
+    // The factory of a known class always makes one; a generated table that
+    // says otherwise is at fault.
+    if (!child)
+        throw CKdInvalidStateException(
+            FormatString("The factory made no object for the element [%s]", m_elementName.c_str()));
     if (rules.storeBeforeRead)
         AccessProperty(object, false, value);
-    CXmlObjectBase* child = value.GetXmlObject().get();
     CXmlElement* const start = *cursor;
     if (tagged) {
         FromXml_Int(child, start, start->GetFirstElement(), context, rules.readAsOptional);
@@ -325,7 +330,7 @@ bool CElementInfo::ReadOptionalAbsCls(CXmlSerializationContext const& context, C
     // A choice stores what the factory gave, a null object included.
     if (rules.storeBeforeRead)
         AccessProperty(object, false, value);
-    CXmlObjectBase* child = value.GetXmlObject().get();
+    CXmlObjectBase* child = ObjectIn(value);
     if (!child)
         return rules.resultWhenAbsent;
     FromXml_Int(child, element, element->GetFirstElement(), context, false);
