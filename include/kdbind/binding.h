@@ -13,14 +13,14 @@
 namespace KdBindData {
 
 // How the children of a class are grouped.
-enum XmlElementGroupType {
+enum XmlElementGroupType : int {
     XmlElementGroupType_Sequence = 0,
     XmlElementGroupType_Choice = 1,
     XmlElementGroupType_All = 2
 };
 
 // Whether something has a tag of its own.
-enum XmlElementType {
+enum XmlElementType : int {
     XmlElementType_Element = 0,      // a real element with start and end tags
     XmlElementType_PseudoChild = 1,  // no tag; its attributes go on the enclosing tag
     XmlElementType_PseudoGroup = 2   // no tag; attributes are not forwarded
@@ -228,6 +228,9 @@ public:
                           CXmlSerializationContext const& context, bool isOptional);
     static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                                     CXmlSerializationContext const& context);
+    // The same, for readers that must say whether the content is optional.
+    static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
+                                    CXmlSerializationContext const& context, bool isOptional);
 
     // The CXmlObjectHelper tests in the form generated code calls them; they
     // use no member of the object. A null text reads as the empty one.

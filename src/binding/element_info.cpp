@@ -59,12 +59,10 @@ void CElementInfo::ReadProperty(CXmlGeneratedClass const* object, KdVariant& val
     object->ReadProperty(m_propertyId, value);
 }
 
-// isOptional cannot reach the slot yet: the object's trampoline always
-// passes false. Only a tagged choice alternative asks for true.
 CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* first,
-                                       CXmlSerializationContext const& context, bool /*isOptional*/)
+                                       CXmlSerializationContext const& context, bool isOptional)
 {
-    return CXmlObjectBase::FromXml_Int(object, parent, first, context);
+    return CXmlObjectBase::FromXml_Int(object, parent, first, context, isOptional);
 }
 
 void CElementInfo::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,

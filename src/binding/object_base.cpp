@@ -57,6 +57,12 @@ CXmlElement* CXmlObjectBase::FromXml_Int(CXmlObjectBase* object, CXmlElement* pa
     return object->FromXml_Int(parent, cursor, context, false);
 }
 
+CXmlElement* CXmlObjectBase::FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
+                                         CXmlSerializationContext const& context, bool isOptional)
+{
+    return object->FromXml_Int(parent, cursor, context, isOptional);
+}
+
 std::string CXmlObjectBase::ToXml(bool declaration, bool formatted, EOLType eol,
                                   CXmlSerializationContext const& context) const
 {
