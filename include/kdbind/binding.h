@@ -143,7 +143,7 @@ public:
 
 class IEventSink {
 public:
-    enum MsgType {
+    enum MsgType : int {
         MsgType_CollectionChanged = 0,
         MsgType_ItemAdding = 1,
         MsgType_ItemAdded = 2,

@@ -190,26 +190,26 @@ char const* ItemTypeName(int type);
 // ---------------------------------------------------------------------------
 
 // Encoding named in the XML declaration and used by byte streams.
-enum XmlEncoding {
+enum XmlEncoding : int {
     XmlEncoding_None = 0,            // no encoding named; GetEncodedStream refuses it
     XmlEncoding_UTF8 = 1,
     XmlEncoding_UTF16 = 2,
     XmlEncoding_UTF16_NoDecl = 3     // UTF-16, but the declaration names no encoding
 };
 
-enum EOLType {
+enum EOLType : int {
     EOLType_CRLF = 0,
     EOLType_LF = 1
 };
 
-enum CompressionType {
+enum CompressionType : int {
     CompressionType_None = 0,
     CompressionType_GZip = 1,
     CompressionType_ZLib = 2         // only for the Stream entry points
 };
 
 // The XML declaration a Fast Infoset document starts with.
-enum FInfoDecl {
+enum FInfoDecl : int {
     FInfoDecl_None = 0,
     FInfoDecl_Encoding = 1,
     FInfoDecl_Encoding_Standalone = 2,
@@ -224,7 +224,7 @@ enum FInfoDecl {
 
 // Schema dialect of the bound classes. Only 2 has a meaning here: it makes
 // namespaces ignored and element names compared by local name.
-enum SchemaType {
+enum SchemaType : int {
     SchemaType_Default = 0,
     SchemaType_Reserved = 1,
     SchemaType_IgnoreNamespaces = 2

@@ -42,7 +42,8 @@ TEST(ReferenceCountTest, LastHolderDestroys)
         EXPECT_EQ(first->Release(), 2);
         first = nullptr;
         EXPECT_EQ(CCounted::alive, 1);
-        second = second;  // self-assignment keeps the object
+        CSmartPtr<CCounted>& same = second;
+        second = same;  // self-assignment keeps the object
         EXPECT_EQ(CCounted::alive, 1);
     }
     EXPECT_EQ(CCounted::alive, 0);
