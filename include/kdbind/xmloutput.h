@@ -132,7 +132,8 @@ public:
         ~CXmlWriterContext() override;
 
         NamespaceMap* GetNamespaceMap() const;
-        std::string GetDefaultNamespace() const;
+        // Compared on every start and end tag: handed out, not copied.
+        std::string const& GetDefaultNamespace() const;
         void SetDefaultNamespace(std::string const& uri);
         void SetNamespaceMapValue(std::string const& uri, std::string const& prefix);
         // An absent URI is inserted with an empty prefix.

@@ -42,7 +42,7 @@ CXmlWriterContext const* CXmlWriterContext::ScopeOwner() const
 
 CXmlWriter::NamespaceMap* CXmlWriterContext::GetNamespaceMap() const { return ScopeOwner()->m_namespaces; }
 
-std::string CXmlWriterContext::GetDefaultNamespace() const { return ScopeOwner()->m_defaultNamespace; }
+std::string const& CXmlWriterContext::GetDefaultNamespace() const { return ScopeOwner()->m_defaultNamespace; }
 
 void CXmlWriterContext::TakeOwnScope()
 {
