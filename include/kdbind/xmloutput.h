@@ -230,6 +230,10 @@ private:
     void FlushIfFull();
     void WriteIndent(long depth);
     void WriteLineEndIfFormatted();
+    // The prefix of uri in the current element's scope. A URI the scope does
+    // not know gets the lowest free code, recorded there; isNew then tells
+    // the caller to write its declaration.
+    std::string PrefixInScope(std::string const& uri, bool& isNew);
     // Writes ` xmlns:prefix="uri"` (with the leading blank when asked).
     void WriteNamespaceDeclaration(std::string const& prefix, std::string const& uri, bool leadingBlank);
 

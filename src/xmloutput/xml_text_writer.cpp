@@ -68,6 +68,18 @@ void CXmlTextWriter::WriteNamespaceDeclaration(std::string const& prefix, std::s
     m_stream.Append('"');
 }
 
+std::string CXmlTextWriter::PrefixInScope(std::string const& uri, bool& isNew)
+{
+    NamespaceMap const& scope = *m_context->GetNamespaceMap();
+    auto const known = scope.find(uri);
+    isNew = known == scope.end();
+    if (!isNew)
+        return known->second;
+    std::string prefix = GetUniquePrefix(scope);
+    m_context->SetNamespaceMapValue(uri, prefix);
+    return prefix;
+}
+
 void CXmlTextWriter::WriteStartDocument()
 {
     m_stream.Append("<?xml version=\"1.0\"");
@@ -145,12 +157,8 @@ void CXmlTextWriter::WriteStartElement(std::string const& name, std::string cons
     if (uri.empty() || uri == context->GetDefaultNamespace()) {
         m_stream.Append(name);
     } else {
-        NamespaceMap const& scope = *context->GetNamespaceMap();
-        auto const known = scope.find(uri);
-        bool const isNew = (known == scope.end());
-        std::string const prefix = isNew ? GetUniquePrefix(scope) : known->second;
-        if (isNew)
-            context->SetNamespaceMapValue(uri, prefix);
+        bool isNew;
+        std::string const prefix = PrefixInScope(uri, isNew);
         m_stream.Append(prefix);
         m_stream.Append(':');
         m_stream.Append(name);
@@ -244,16 +252,11 @@ void CXmlTextWriter::WriteAttributeString(std::string const& name, std::string c
     m_stream.Append(' ');
     if (!uri.empty()) {
         // An attribute in a namespace always has a prefix; the default namespace does not apply.
-        NamespaceMap const& scope = *m_context->GetNamespaceMap();
-        auto const known = scope.find(uri);
-        std::string prefix;
-        if (known == scope.end()) {
-            prefix = GetUniquePrefix(scope);
-            m_context->SetNamespaceMapValue(uri, prefix);
+        bool isNew;
+        std::string const prefix = PrefixInScope(uri, isNew);
+        if (isNew) {
             WriteNamespaceDeclaration(prefix, uri, false);
             m_stream.Append(' ');
-        } else {
-            prefix = known->second;
         }
         m_stream.Append(prefix);
         m_stream.Append(':');
@@ -273,18 +276,13 @@ void CXmlTextWriter::WriteAttributeType(std::string const& uri, std::string cons
         WriteAttributeString("type", kSchemaInstanceNamespace, typeName, type);
         return;
     }
-    NamespaceMap const& scope = *m_context->GetNamespaceMap();
-    auto const known = scope.find(uri);
-    std::string prefix;
-    if (known == scope.end()) {
+    bool isNew;
+    std::string const prefix = PrefixInScope(uri, isNew);
+    if (isNew) {
         // The declaration's trailing blank and the attribute's leading one
         // leave two blanks before the attribute; that is the known form.
-        prefix = GetUniquePrefix(scope);
-        m_context->SetNamespaceMapValue(uri, prefix);
         WriteNamespaceDeclaration(prefix, uri, true);
         m_stream.Append(' ');
-    } else {
-        prefix = known->second;
     }
     WriteAttributeString("type", kSchemaInstanceNamespace, prefix + ":" + typeName, type);
 }
