@@ -24,10 +24,8 @@ char const kCDataEnd[] = "]]>";
 // and in the local code page, so it needs no conversion.
 bool IsPlainAscii(char const* text, unsigned long length)
 {
-    unsigned char seen = 0;
-    for (unsigned long i = 0; i < length; ++i)
-        seen |= static_cast<unsigned char>(text[i]);
-    return seen < 0x80;
+    return !DoesUTF8StrContainAnyCharsLargerThanOneByte(reinterpret_cast<unsigned char*>(const_cast<char*>(text)),
+                                                        length);
 }
 
 } // namespace
