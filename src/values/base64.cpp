@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "kdbind/values.h"
+#include "values/character_pairs.h"
 
 namespace {
 
@@ -42,24 +43,10 @@ constexpr auto kCharacterPairs = MakeCharacterPairs();
 
 int DecodeValue(unsigned char c) { return kDecode[c & 0x7F]; }
 
-// The 12 bits of every pair of data characters, keyed by the pair's two
-// bytes as they lie in memory; -1 when either is not a data character.
+// The 12 bits of every pair of data characters.
 std::array<short, 65536> const& PairValues()
 {
-    static std::array<short, 65536> const table = [] {
-        std::array<short, 65536> values{};
-        for (int first = 0; first < 256; ++first) {
-            for (int second = 0; second < 256; ++second) {
-                unsigned char const pair[2] = {static_cast<unsigned char>(first), static_cast<unsigned char>(second)};
-                unsigned short key;
-                memcpy(&key, pair, sizeof key);
-                int const high = DecodeValue(pair[0]);
-                int const low = DecodeValue(pair[1]);
-                values[key] = high >= 0 && low >= 0 ? static_cast<short>(high << 6 | low) : -1;
-            }
-        }
-        return values;
-    }();
+    static std::array<short, 65536> const table = KdBind::MakePairValueTable(&DecodeValue, 6);
     return table;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "kdbind/values.h"
+#include "values/character_pairs.h"
 
 namespace KdBind {
 
@@ -42,27 +43,12 @@ constexpr std::array<unsigned char, 256> MakeNibbles()
 
 constexpr auto kNibbles = MakeNibbles();
 
-// The byte of every two-character pair, keyed by the pair's two bytes as
-// they lie in memory; -1 when either character is not a digit. One lookup
-// per byte decoded.
-constexpr short kNotHexPair = -1;
+int NibbleValue(unsigned char c) { return kNibbles[c] == kNotHex ? -1 : kNibbles[c]; }
 
+// The byte of every two-character pair: one lookup per byte decoded.
 std::array<short, 65536> const& PairValues()
 {
-    static std::array<short, 65536> const table = [] {
-        std::array<short, 65536> values{};
-        for (int high = 0; high < 256; ++high) {
-            for (int low = 0; low < 256; ++low) {
-                unsigned char const pair[2] = {static_cast<unsigned char>(high), static_cast<unsigned char>(low)};
-                unsigned short key;
-                memcpy(&key, pair, sizeof key);
-                values[key] = (kNibbles[high] | kNibbles[low]) & kNotHex
-                                  ? kNotHexPair
-                                  : static_cast<short>(kNibbles[high] << 4 | kNibbles[low]);
-            }
-        }
-        return values;
-    }();
+    static std::array<short, 65536> const table = MakePairValueTable(&NibbleValue, 4);
     return table;
 }
 
@@ -102,7 +88,7 @@ unsigned long CBinaryData::ConvertToHexData(char const* text, unsigned char** ou
         unsigned short key;
         memcpy(&key, text + i, sizeof key);
         short const value = pairs[key];
-        if (value == kNotHexPair)
+        if (value == kNotAPair)
             ThrowInvalidHexChar(kNibbles[static_cast<unsigned char>(text[i])] & kNotHex ? text[i] : text[i + 1]);
         data[count] = static_cast<unsigned char>(value);
     }
