@@ -1,95 +1,86 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <string>
+// CBinaryData: sharing and copy-on-write, its bounds, and its hex and base64
+// forms.
+#include <random>
 #include <thread>
 #include <vector>
 
-#include <kdbind/values.h>
+#include "runtime/test_support.h"
 
 using namespace KdBind;
+using namespace KdBindTest;
 
 namespace {
 
-std::string Bytes(CBinaryData const& data)
+CBinaryData FromBytes(std::string const& bytes)
 {
-    return data.GetData() ? std::string(reinterpret_cast<char const*>(data.GetData()), data.GetLength())
-                          : std::string();
+    return CBinaryData(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size(), false);
 }
 
-std::string MessageOf(void (*action)())
+std::string RandomBytes(size_t length, unsigned seed)
 {
-    try {
-        action();
-    } catch (CKdException const& e) {
-        return e.GetMessage();
-    }
-    return "(no failure)";
+    std::mt19937 generator(seed);
+    std::string bytes(length, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(generator());
+    return bytes;
+}
+
+CBinaryData FromBase64(std::string const& text)
+{
+    CBinaryData data;
+    data.SetAsBase64(text.c_str());
+    return data;
 }
 
 } // namespace
 
-TEST(BinaryDataTest, CopiesShareUntilOneIsWritten)
+TEST(BinaryDataTest, CopiesShareUntilOneIsChanged)
 {
-    CBinaryData first("abc");
-    CBinaryData copy(first);
+    CBinaryData first("abc"), copy(first), appended;
     EXPECT_EQ(copy.GetData(), first.GetData());
-
     copy[0] = 'X';
+    appended = first;
+    appended.Append("def");
+    CBinaryData& alias = first;
+    first = alias;  // assigning a value to itself keeps it
     EXPECT_EQ(Bytes(first), "abc");
     EXPECT_EQ(Bytes(copy), "Xbc");
+    EXPECT_EQ(Bytes(appended), "abcdef");
 
-    CBinaryData assigned;
-    assigned = first;
-    assigned.Append("def");
-    EXPECT_EQ(Bytes(first), "abc");
-    EXPECT_EQ(Bytes(assigned), "abcdef");
-
-    // Assigning a value to itself keeps it.
-    CBinaryData& alias = first;
-    first = alias;
-    EXPECT_EQ(Bytes(first), "abc");
-
-    unsigned char source[] = {1, 2, 3};
-    first.SetBuffer(source, 3);
-    source[0] = 9;
-    EXPECT_EQ(first[0], 1);
+    // ReleaseData hands over a private buffer: a copy when shared, else its own.
+    CBinaryData second(first);
+    unsigned char* taken = second.ReleaseData();
+    EXPECT_EQ(second.GetData(), nullptr);
+    EXPECT_NE(taken, first.GetData());
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(taken), 3), "abc");
+    delete[] taken;
+    unsigned char const* own = first.GetData();
+    taken = first.ReleaseData();
+    EXPECT_EQ(taken, own);
+    delete[] taken;
+    EXPECT_EQ(first.ReleaseData(), nullptr);
 }
 
-TEST(BinaryDataTest, EqualityTellsMissingFromEmpty)
+TEST(BinaryDataTest, NoHolderDiffersFromAnEmptyOne)
 {
     CBinaryData a, b;
     EXPECT_TRUE(a == b);
-    CBinaryData empty(reinterpret_cast<unsigned char*>(const_cast<char*>("")), 0, false);
-    EXPECT_TRUE(a != empty);
-    EXPECT_TRUE(empty != a);
-    EXPECT_TRUE(CBinaryData("ab") == CBinaryData("ab"));
-    EXPECT_TRUE(CBinaryData("ab") != CBinaryData("ac"));
+    EXPECT_TRUE(a != FromBytes("") && FromBytes("") != a);
+    EXPECT_TRUE(CBinaryData("ab") == CBinaryData("ab") && CBinaryData("ab") != CBinaryData("ac"));
     EXPECT_TRUE(CBinaryData("ab") != CBinaryData("abc"));
 }
 
 TEST(BinaryDataTest, IndexMayReachTheLengthButNotBeyond)
 {
     CBinaryData data("xy");
-    EXPECT_NO_THROW(data[data.GetLength()]);
-    EXPECT_EQ(MessageOf([] {
-                  CBinaryData d("xy");
-                  d[3];
-              }),
-              "Index Out of range [3]");
-    EXPECT_EQ(MessageOf([] {
-                  CBinaryData const none;
-                  none[0];
-              }),
-              "Index Out of range [0]");
-
+    EXPECT_NO_THROW(data[2]);
+    EXPECT_EQ(FailureOf([&] { data[3]; }), "Index Out of range [3]");
+    EXPECT_EQ(FailureOf([] { CBinaryData const none; none[0]; }), "Index Out of range [0]");
     // An adopted buffer has no room behind its data; the index equal to the
     // length must still stay in memory (the sanitizer build watches this).
-    auto* exact = new unsigned char[2]{'p', 'q'};
-    CBinaryData adopted(exact, 2, true);
-    CBinaryData const& view = adopted;
-    (void)view[2];
-    EXPECT_EQ(view[1], 'q');
+    CBinaryData const adopted(new unsigned char[2]{'p', 'q'}, 2, true);
+    (void)adopted[2];
+    EXPECT_EQ(adopted[1], 'q');
 }
 
 TEST(BinaryDataTest, AppendGrowsAndCopesWithItself)
@@ -103,38 +94,15 @@ TEST(BinaryDataTest, AppendGrowsAndCopesWithItself)
     CBinaryData text("ab");
     text.Append(text);  // within capacity
     EXPECT_EQ(Bytes(text), "abab");
-    auto* exact = new unsigned char[3]{'1', '2', '3'};
-    CBinaryData adopted(exact, 3, true);
-    adopted.Append(adopted);  // forces growth: the source is the old buffer
+    CBinaryData adopted(new unsigned char[3]{'1', '2', '3'}, 3, true);
+    adopted.Append(adopted);  // growth: the source is the old buffer
     EXPECT_EQ(Bytes(adopted), "123123");
 
     CBinaryData mixed;
     mixed.Append('a');
     mixed.Append(std::string("b\0c", 3));  // stops at the NUL
-    mixed.Append(static_cast<unsigned char>('d'));
     mixed.Append(static_cast<char const*>(nullptr));
-    EXPECT_EQ(Bytes(mixed), "abd");
-}
-
-TEST(BinaryDataTest, ReleaseDataHandsOverAPrivateBuffer)
-{
-    CBinaryData none;
-    EXPECT_EQ(none.ReleaseData(), nullptr);
-
-    CBinaryData first("shared");
-    CBinaryData second(first);
-    unsigned char* taken = second.ReleaseData();
-    EXPECT_EQ(second.GetData(), nullptr);
-    ASSERT_NE(taken, first.GetData());
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(taken), 6), "shared");
-    EXPECT_EQ(Bytes(first), "shared");
-    delete[] taken;
-
-    CBinaryData alone("own");
-    unsigned char const* before = alone.GetData();
-    unsigned char* own = alone.ReleaseData();
-    EXPECT_EQ(own, before);  // not shared: the buffer itself
-    delete[] own;
+    EXPECT_EQ(Bytes(mixed), "ab");
 }
 
 TEST(BinaryDataTest, SharedHoldersSurviveCopiesOnManyThreads)
@@ -155,18 +123,82 @@ TEST(BinaryDataTest, SharedHoldersSurviveCopiesOnManyThreads)
     EXPECT_EQ(Bytes(original), "payload");
 }
 
-TEST(BinaryDataTest, VariantOwnsACopyOfItsBinaryValue)
+TEST(HexFormTest, ReadsEitherCaseWritesUpperCaseAndNamesTheBadCharacter)
 {
-    CBinaryData data("abc");
-    KdVariant variant;
-    variant.SetHexBinary(data);
-    data.Append('d');
-    EXPECT_EQ(variant.GetType(), "hexBinary");
-    EXPECT_EQ(Bytes(variant.GetHexBinary()), "abc");
+    CBinaryData data;
+    data.SetAsHexString("0aFF");
+    EXPECT_EQ(Bytes(data), "\x0A\xFF");
+    EXPECT_EQ(data.GetAsHexString(), "0AFF");
+    data.SetAsHexString("");
+    EXPECT_NE(data.GetData(), nullptr);  // a holder of length 0
+    EXPECT_EQ(data.GetAsHexString(), "");
+    std::string const all = RandomBytes(4096, 7);
+    data.SetAsHexString(FromBytes(all).GetAsHexString().c_str());
+    EXPECT_EQ(Bytes(data), all);
 
-    KdVariant copy(variant);
-    variant.SetBase64Binary(CBinaryData("xyz"));
-    EXPECT_EQ(variant.GetItemType(), ItemType_base64Binary);
-    EXPECT_EQ(Bytes(variant.GetBase64Binary()), "xyz");
-    EXPECT_EQ(Bytes(copy.GetHexBinary()), "abc");
+    auto hexFailure = [](char const* text) -> std::string {
+        try {
+            CBinaryData().SetAsHexString(text);
+        } catch (CKdInvalidValueException const&) {
+            return "<not the base type>";
+        } catch (CKdException const& e) {
+            return e.GetMessage();
+        }
+        return "<no failure>";
+    };
+    EXPECT_EQ(hexFailure("G0"), "Invalid char in hex string [G]");
+    EXPECT_EQ(hexFailure("0g"), "Invalid char in hex string [g]");
+    EXPECT_EQ(hexFailure("00 11"), "Invalid char in hex string [ ]");
+    EXPECT_EQ(hexFailure("\xC3\xA9"), "Invalid char in hex string [\xC3]");
+    // An odd length pairs the last digit with the terminating NUL.
+    EXPECT_EQ(hexFailure("ABC"), "Invalid char in hex string [");
+    EXPECT_THROW(data.SetAsHexString("1"), CKdException);
+    EXPECT_EQ(data.GetData(), nullptr);  // cleared before the text was read
+}
+
+TEST(Base64FormTest, EncodesTheStandardFormWithTheOneByteQuirk)
+{
+    EXPECT_EQ(CBinaryData().GetAsBase64(), "");
+    EXPECT_EQ(CBinaryData("AB").GetAsBase64(), "QUI=");
+    EXPECT_EQ(CBinaryData("ABC").GetAsBase64(), "QUJD");
+    EXPECT_EQ(CBinaryData("ABCD").GetAsBase64(), "QUJDRA==");
+    EXPECT_EQ(FromBytes("\xFB\xFF\xBF").GetAsBase64(), "+/+/");
+    EXPECT_EQ(CBinaryData("A").GetAsBase64(), std::string("QQ=\0", 4));  // a NUL in fourth place
+    std::string const long_ = FromBytes(std::string(1000, 'x')).GetAsBase64();
+    EXPECT_EQ(long_.size(), 1336u);
+    EXPECT_EQ(long_.find('\n'), std::string::npos);  // no line breaks at any length
+}
+
+TEST(Base64FormTest, DecodingSkipsPaddingAndBlanksAndGivesNothingForABadCharacter)
+{
+    for (char const* text : {"QUJD", "QU JD\n", "Q=U\tJ\r\nD", "\xD1UJD"})  // only the low 7 bits count
+        EXPECT_EQ(Bytes(FromBase64(text)), "ABC") << text;
+    EXPECT_EQ(Bytes(FromBase64("QUI=")), "AB");
+    EXPECT_EQ(Bytes(FromBase64("QUI")), "AB");  // leftover bits dropped
+    EXPECT_EQ(FromBase64("Q").GetLength(), 0u);
+    for (char const* bad : {"QU!D", "QUJDQUJD-"}) {
+        CBinaryData const data = FromBase64(bad);
+        EXPECT_NE(data.GetData(), nullptr);
+        EXPECT_EQ(data.GetLength(), 0u);
+    }
+    unsigned char out[4];
+    EXPECT_EQ(CBase64().Decode(nullptr, out), 0);
+    EXPECT_EQ(CBase64().Decode("QUJD", nullptr), 0);
+}
+
+// The bulk loops take whole groups; the bit reader and writer take the rest.
+TEST(Base64FormTest, RoundTripsEveryLengthAroundTheGroupSize)
+{
+    for (size_t length = 2; length < 200; ++length) {
+        std::string const bytes = RandomBytes(length, static_cast<unsigned>(length));
+        std::string const encoded = FromBytes(bytes).GetAsBase64();
+        ASSERT_EQ(Bytes(FromBase64(encoded)), bytes) << length;
+        std::string broken;  // lines of an odd width, so that groups straddle the breaks
+        for (size_t at = 0; at < encoded.size(); at += 7)
+            broken += encoded.substr(at, 7) + "\r\n";
+        ASSERT_EQ(Bytes(FromBase64(broken)), bytes) << length << " with line breaks";
+    }
+    int got = -1, position = 0;
+    EXPECT_EQ(CBase64().Read(9, &got, position), 0u);  // beyond the mask table
+    EXPECT_EQ(got, 0);
 }
