@@ -1,263 +1,213 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
+// The text writer: pretty printing, namespace scopes and prefixes, escaping,
+// and its failures; and the block buffer beneath it.
+#include <vector>
 
 #include <kdbind/xmloutput.h>
 
+#include "runtime/test_support.h"
+
 using namespace KdBind;
+using KdBindTest::FailureOf;
 
 namespace {
 
-// A writer on an in-memory stream, opened, with the formatting asked for.
-struct WriterFixture : ::testing::Test {
-    CTextStream stream;
-    CXmlTextWriter writer{stream};
+char const kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
 
-    void Start(bool formatted, EOLType eol = EOLType_LF)
+// A writer on an in-memory stream, opened, with the formatting asked for.
+class XmlTextWriterTest : public ::testing::Test {
+protected:
+    void Open(bool formatted, EOLType eol = EOLType_LF)
     {
         writer.Open();
         writer.SetFormat(formatted);
         writer.SetEOLType(eol);
     }
-    std::string Text() { return stream.GetText(); }
-};
-
-std::string MessageOf(std::function<void()> const& action)
-{
-    try {
-        action();
-    } catch (CKdException const& e) {
-        return e.GetMessage();
+    void Start(std::string const& name, std::string const& uri = "") { writer.WriteStartElement(name, uri); }
+    void Text(std::string const& text) { writer.WriteString(text, ItemType_string); }
+    void Attribute(std::string const& name, std::string const& uri, std::string const& value)
+    {
+        writer.WriteAttributeString(name, uri, value, ItemType_string);
     }
-    return "<no exception>";
-}
+    void End() { writer.WriteEndElement(); }
+    // A script of calls: "<name" or "<name uri" starts an element, "/" ends
+    // the current one, and anything else is written as its text.
+    void Write(std::vector<std::string> const& script)
+    {
+        for (std::string const& step : script) {
+            size_t const blank = step.find(' ');
+            if (step == "/")
+                End();
+            else if (!step.empty() && step[0] == '<')
+                Start(step.substr(1, blank - 1), blank == std::string::npos ? "" : step.substr(blank + 1));
+            else
+                Text(step);
+        }
+    }
+    std::string Output() { return stream.GetText(); }
 
-char const kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+    CTextStream stream;
+    CXmlTextWriter writer{stream};
+};
 
 } // namespace
 
-using XmlTextWriterTest = WriterFixture;
-
-TEST_F(XmlTextWriterTest, DeclarationNamesTheStreamEncoding)
+TEST(XmlTextWriterDeclarationTest, NamesTheStreamEncodingAndEndsTheLineAlways)
 {
-    CTextStream utf8(XmlEncoding_UTF8), utf16(XmlEncoding_UTF16), none;
+    CTextStream utf8(XmlEncoding_UTF8), utf16(XmlEncoding_UTF16), none(XmlEncoding_UTF16_NoDecl);
     CXmlTextWriter a(utf8), b(utf16), c(none);
     a.SetEOLType(EOLType_CRLF);
-    a.WriteStartDocument();
     b.SetFormat(false);
-    b.WriteStartDocument();
-    c.WriteStartDocument();
+    for (CXmlTextWriter* writer : {&a, &b, &c})
+        writer->WriteStartDocument();
     EXPECT_STREQ(utf8.GetText(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n");
     EXPECT_STREQ(utf16.GetText(), "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n");
     EXPECT_STREQ(none.GetText(), "<?xml version=\"1.0\"?>\n");
 }
 
-TEST_F(XmlTextWriterTest, FormattedTreeIndentsStartTagsAndEndTagsWithChildren)
+// Start tags are indented by depth, end tags only after child elements, and
+// text adds no white space: mixed content runs into the child's indentation.
+TEST_F(XmlTextWriterTest, PrettyPrintingFollowsTheShapeOfTheCalls)
 {
-    Start(true);
-    writer.WriteStartElement("root", "");
-    writer.WriteStartElement("a", "");
-    writer.WriteString("text", ItemType_string);
-    writer.WriteEndElement();
-    writer.WriteStartElement("b", "");
-    writer.WriteStartElement("c", "");
-    writer.WriteEndElement();
-    writer.WriteEndElement();
-    writer.WriteStartElement("empty", "");
-    writer.WriteString("", ItemType_string);
-    writer.WriteEndElement();
-    writer.WriteEndElement();
+    Open(true);
+    // The empty text leaves the start tag open: the element still closes with "/>".
+    Write({"<root", "<a", "text", "/", "<b", "<c", "/", "/", "<empty", "", "/", "<p", "lead", "<i", "/", "/", "/"});
     writer.Close();
-    EXPECT_EQ(Text(),
-              "<root>\n"
-              "\t<a>text</a>\n"
-              "\t<b>\n"
-              "\t\t<c/>\n"
-              "\t</b>\n"
-              "\t<empty/>\n"
-              "</root>\n");
+    EXPECT_EQ(Output(), "<root>\n\t<a>text</a>\n\t<b>\n\t\t<c/>\n\t</b>\n\t<empty/>\n\t<p>lead\t\t<i/>\n\t</p>\n</root>\n");
 }
 
-TEST_F(XmlTextWriterTest, MixedContentRunsTextAndIndentationTogether)
+TEST_F(XmlTextWriterTest, DocumentElementDeclaresWhatWasGivenBeforeIt)
 {
-    Start(true);
-    writer.WriteStartElement("p", "");
-    writer.WriteString("lead", ItemType_string);
-    writer.WriteStartElement("b", "");
-    writer.WriteEndElement();
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<p>lead\t<b/>\n</p>\n");
-}
-
-TEST_F(XmlTextWriterTest, DefaultNamespaceAndAddedPrefixOnTheDocumentElement)
-{
-    Start(false);
+    Open(false);
     writer.SetDefaultNamespace("urn:default");
     writer.AddNamespace("x", "urn:x");
-    writer.WriteStartElement("root", "urn:default");
-    writer.WriteEndElement();
-    writer.Close();
-    EXPECT_EQ(Text(), "<root xmlns=\"urn:default\" xmlns:x=\"urn:x\"/>");
+    writer.AddNamespace("po", "urn:po");
+    Write({"<root urn:default", "<item urn:po", "<plain", "/", "/", "/"});  // no undeclaration of the default
+    EXPECT_EQ(Output(), "<root xmlns=\"urn:default\" xmlns:po=\"urn:po\" xmlns:x=\"urn:x\">"
+                        "<po:item><plain/></po:item></root>");
 }
 
+// A generated prefix lives in the scope of the element that declared it, so
+// the lowest free code is used again after that element has ended.
 TEST_F(XmlTextWriterTest, GeneratedPrefixesFollowScopes)
 {
-    Start(false);
-    writer.WriteStartElement("root", "");
-    writer.WriteStartElement("a", "urn:one");
-    writer.WriteEndElement();
-    writer.WriteStartElement("b", "urn:one");
-    writer.WriteStartElement("c", "urn:two");
-    writer.WriteStartElement("d", "urn:one");
-    writer.WriteEndElement();
-    writer.WriteEndElement();
-    writer.WriteEndElement();
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<root><AA:a xmlns:AA=\"urn:one\"/>"
-                      "<AA:b xmlns:AA=\"urn:one\"><AB:c xmlns:AB=\"urn:two\"><AA:d/></AB:c></AA:b></root>");
+    Open(false);
+    Write({"<root", "<a urn:one", "/", "<b urn:one", "<c urn:two", "<d urn:one", "/", "/", "/", "/"});
+    EXPECT_EQ(Output(), "<root><AA:a xmlns:AA=\"urn:one\"/>"
+                        "<AA:b xmlns:AA=\"urn:one\"><AB:c xmlns:AB=\"urn:two\"><AA:d/></AB:c></AA:b></root>");
+
+    EXPECT_EQ(CXmlWriter::NsIntToString(26), "BA");
+    EXPECT_EQ(CXmlWriter::GetUniquePrefix({{"urn:a", "AA"}, {"urn:b", "AC"}}), "AB");
+    CXmlWriter::NamespaceMap full;  // the 677th code runs past the alphabet, unchecked
+    for (int i = 0; i < 676; ++i)
+        full["urn:" + std::to_string(i)] = CXmlWriter::NsIntToString(i);
+    EXPECT_EQ(CXmlWriter::GetUniquePrefix(full), "[A");
 }
 
-TEST_F(XmlTextWriterTest, ElementWithoutNamespaceUnderADefaultGetsNoUndeclaration)
+// The same escaping serves text, attribute values and comments; apostrophes
+// stay, CR is dropped and LF becomes the line end of the EOL type.
+TEST_F(XmlTextWriterTest, EscapingLineEndsAndCDataAtTheStartOnly)
 {
-    Start(false);
+    Open(false, EOLType_CRLF);
+    Start("e");
+    Attribute("a", "", "it's \"<&>\"");
+    Write({"x<y & 'q'\r\nnext\n\xc3\xa9", "/", "<f"});
+    Text("<![CDATA[c]]>");
+    Text(" <![CDATA[d]]>");
+    End();
+    EXPECT_EQ(Output(), "<e a=\"it's &quot;&lt;&amp;&gt;&quot;\">x&lt;y &amp; 'q'\r\nnext\r\n\xc3\xa9</e>"
+                        "<f><![CDATA[c]]> &lt;![CDATA[d]]&gt;</f>");
+}
+
+// An attribute in a namespace always has a prefix, even in the default one.
+// A type in a new namespace leaves two blanks before the attribute.
+TEST_F(XmlTextWriterTest, NamespacedAttributesAndTypeAttributes)
+{
+    Open(false);
     writer.SetDefaultNamespace("urn:d");
-    writer.WriteStartElement("root", "urn:d");
-    writer.WriteStartElement("plain", "");
-    writer.WriteEndElement();
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<root xmlns=\"urn:d\"><plain/></root>");
-}
-
-TEST_F(XmlTextWriterTest, PrefixGivenByAddNamespaceIsUsedAndDeclaredOnTheRoot)
-{
-    Start(false);
-    writer.AddNamespace("po", "urn:po");
-    writer.WriteStartElement("order", "urn:po");
-    writer.WriteStartElement("item", "urn:po");
-    writer.WriteEndElement();
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<po:order xmlns:po=\"urn:po\"><po:item/></po:order>");
-}
-
-TEST_F(XmlTextWriterTest, EscapingOfTextAttributesAndLineEnds)
-{
-    Start(false, EOLType_CRLF);
-    writer.WriteStartElement("e", "");
-    writer.WriteAttributeString("a", "", "it's \"<&>\"", ItemType_string);
-    writer.WriteString("x<y & \"z\" 'q'\r\nnext\n\xc3\xa9", ItemType_string);
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<e a=\"it's &quot;&lt;&amp;&gt;&quot;\">x&lt;y &amp; &quot;z&quot; 'q'\r\nnext\r\n\xc3\xa9</e>");
-}
-
-TEST_F(XmlTextWriterTest, CDataPassesThroughOnlyAtTheStart)
-{
-    Start(false);
-    writer.WriteStartElement("e", "");
-    writer.WriteString("<![CDATA[a<b]]>", ItemType_string);
-    writer.WriteString(" <![CDATA[c]]>", ItemType_string);
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<e><![CDATA[a<b]]> &lt;![CDATA[c]]&gt;</e>");
-}
-
-TEST_F(XmlTextWriterTest, NamespacedAttributesAlwaysHavePrefixes)
-{
-    Start(false);
-    writer.SetDefaultNamespace("urn:d");
-    writer.WriteStartElement("e", "urn:d");
-    writer.WriteAttributeString("a", "urn:d", "1", ItemType_string);
-    writer.WriteAttributeString("b", "urn:d", "2", ItemType_string);
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<e xmlns=\"urn:d\" xmlns:AA=\"urn:d\" AA:a=\"1\" AA:b=\"2\"/>");
-}
-
-TEST_F(XmlTextWriterTest, TypeAttributeForms)
-{
-    Start(false);
-    writer.WriteStartElement("e", "");
-    writer.WriteAttributeType("", "Local", ItemType_string);
-    writer.WriteEndElement();
-    writer.Close();
-    EXPECT_EQ(Text(), std::string("<e xmlns:AA=\"") + kXsi + "\" AA:type=\"Local\"/>");
-
-    CTextStream other;
-    CXmlTextWriter second(other);
-    second.SetFormat(false);
-    second.WriteStartElement("e", "");
-    second.WriteAttributeType("urn:types", "Derived", ItemType_string);
-    second.WriteEndElement();
-    EXPECT_EQ(std::string(other.GetText()),
-              std::string("<e xmlns:AA=\"urn:types\"  xmlns:AB=\"") + kXsi + "\" AB:type=\"AA:Derived\"/>");
-}
-
-TEST_F(XmlTextWriterTest, AttributeAfterContentFails)
-{
-    Start(false);
-    writer.WriteStartElement("e", "");
-    writer.WriteString("text", ItemType_string);
-    EXPECT_EQ(MessageOf([&] { writer.WriteAttributeString("a", "", "1", ItemType_string); }),
-              "Attributes must be added before elements");
-    writer.WriteStartElement("child", "");
-    writer.WriteEndElement();
-    EXPECT_EQ(MessageOf([&] { writer.WriteAttributeType("", "T", ItemType_string); }),
-              "Attributes must be added before elements");
+    Start("e", "urn:d");
+    Attribute("a", "urn:d", "1");
+    Attribute("b", "urn:d", "2");
+    writer.WriteAttributeType("urn:d", "Local", ItemType_string);
+    Start("f");
+    writer.WriteAttributeType("urn:types", "Derived", ItemType_string);
+    End();
+    End();
+    EXPECT_EQ(Output(), std::string("<e xmlns=\"urn:d\" xmlns:AA=\"urn:d\" AA:a=\"1\" AA:b=\"2\" xmlns:AB=\"") + kXsi +
+                            "\" AB:type=\"Local\"><f xmlns:AC=\"urn:types\"  AB:type=\"AC:Derived\"/></e>");
 }
 
 TEST_F(XmlTextWriterTest, FailureMessages)
 {
-    Start(false);
-    EXPECT_EQ(MessageOf([&] { writer.SetEOLType(static_cast<EOLType>(7)); }), "Invalid EOL type.");
+    Open(false);
+    EXPECT_EQ(FailureOf([&] { writer.SetEOLType(static_cast<EOLType>(7)); }), "Invalid EOL type.");
     EXPECT_EQ(writer.GetEOLType(), EOLType_LF);
     writer.WriteHeaderDirective("<!DOCTYPE e>");
-    writer.WriteStartElement("e", "");
-    EXPECT_EQ(MessageOf([&] { writer.WriteHeaderDirective("<!-- late -->"); }),
+    Start("e");
+    EXPECT_EQ(FailureOf([&] { writer.WriteHeaderDirective("<!-- late -->"); }),
               "Headed directives must appear before an Element has been added.");
-    EXPECT_EQ(MessageOf([&] { writer.Close(); }), "An Element has not been closed.");
-    writer.WriteEndElement();
+    Text("text");
+    std::string const late = "Attributes must be added before elements";
+    EXPECT_EQ(FailureOf([&] { Attribute("a", "", "1"); }), late);
+    Write({"<child", "/"});
+    EXPECT_EQ(FailureOf([&] { writer.WriteAttributeType("", "T", ItemType_string); }), late);
+    EXPECT_EQ(FailureOf([&] { writer.Close(); }), "An Element has not been closed.");
+    End();
     writer.Close();
-    EXPECT_EQ(Text(), "<!DOCTYPE e>\n<e/>");
+    EXPECT_EQ(Output(), "<!DOCTYPE e>\n<e>text<child/></e>");
 }
 
 TEST_F(XmlTextWriterTest, PrologueItemsDoNotCloseTheStartTag)
 {
-    Start(true);
+    Open(true);
     writer.WriteComment("a -> b");
     writer.WritePI("<?pi x?>");
-    writer.WriteStartElement("e", "");
+    Start("e");
     writer.WriteInlineSchema("<xs:schema/>");
     writer.WriteRawElement("<raw/>");
-    writer.WriteEndElement();
-    EXPECT_EQ(Text(), "<!--a -&gt; b-->\n<?pi x?>\n\n<e \n<xs:schema/>\n<raw/>\n/>\n");
-}
+    End();
+    EXPECT_EQ(Output(), "<!--a -&gt; b-->\n<?pi x?>\n\n<e \n<xs:schema/>\n<raw/>\n/>\n");
 
-TEST(XmlWriterTest, PrefixCodes)
-{
-    EXPECT_EQ(CXmlWriter::NsIntToString(0), "AA");
-    EXPECT_EQ(CXmlWriter::NsIntToString(25), "AZ");
-    EXPECT_EQ(CXmlWriter::NsIntToString(26), "BA");
-    EXPECT_EQ(CXmlWriter::NsIntToString(676), "[A");  // past the alphabet, unchecked
-    CXmlWriter::NamespaceMap used{{"urn:a", "AA"}, {"urn:b", "AC"}};
-    EXPECT_EQ(CXmlWriter::GetUniquePrefix(used), "AB");
-}
-
-TEST_F(XmlTextWriterTest, ManyNamespacesInOneScopeRunPastTheAlphabet)
-{
-    Start(false);
-    writer.WriteStartElement("root", "");
-    for (int i = 0; i < 677; ++i)
-        writer.WriteAttributeString("a", "urn:" + std::to_string(i), "v", ItemType_string);
-    writer.WriteEndElement();
-    EXPECT_NE(Text().find("xmlns:[A=\"urn:676\" [A:a=\"v\""), std::string::npos);
-}
-
-TEST_F(XmlTextWriterTest, DestroyingAWriterWithOpenElementsWritesNothingMore)
-{
-    Start(false);
+    // A writer destroyed with elements open frees its scopes and writes nothing more.
+    std::string const before = Output();
     {
         CXmlTextWriter scoped(stream);
-        scoped.SetFormat(false);
-        scoped.WriteStartElement("a", "");
-        scoped.WriteStartElement("b", "urn:b");
+        scoped.WriteStartElement("a", "urn:b");
     }
-    EXPECT_EQ(Text(), "<a><AA:b xmlns:AA=\"urn:b\"");
+    EXPECT_EQ(Output(), before + "<AA:a xmlns:AA=\"urn:b\"");
+}
+
+TEST(StringBufferTest, BlocksAreJoinedOnceAndAppendingGoesOn)
+{
+    CStringBuffer buffer(8);  // 7 text bytes per block
+    EXPECT_STREQ(buffer.GetText(), "");  // never written: no block at all
+    std::string expected;
+    for (int i = 0; i < 20; ++i) {
+        std::string const piece = std::to_string(i) + ",";
+        buffer.Append(piece);
+        expected += piece;
+    }
+    buffer.Append('!');
+    expected += '!';
+    EXPECT_EQ(buffer.GetLength(), expected.size());
+    EXPECT_EQ(buffer.GetText(), expected);
+    EXPECT_EQ(buffer.GetText(), expected);  // already joined
+    buffer.Append("tail");
+    buffer.Append('.');
+    EXPECT_EQ(buffer.GetText(), expected + "tail.");
+    buffer.Append(std::string("ab\0cd", 5));  // a string stops at its first zero byte
+    EXPECT_EQ(buffer.GetText(), expected + "tail.ab");
+}
+
+TEST(StringBufferTest, ExactlyOneBlockNeedsNoJoinAndEmptyKeepsIt)
+{
+    CStringBuffer buffer;
+    std::string const full(4095, 'x');
+    buffer.Append(full);
+    char* single = buffer.GetText();
+    EXPECT_EQ(single, full);
+    EXPECT_EQ(buffer.GetText(), single);  // the same block, not a joined copy
+    buffer.Empty();
+    buffer.Append("de");
+    EXPECT_EQ(buffer.GetText(), single);  // emptied in place
+    EXPECT_STREQ(single, "de");
 }
