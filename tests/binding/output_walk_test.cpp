@@ -1,176 +1,158 @@
-// The output walk of CXmlGeneratedClass, through hand-written classes whose
-// tables use small test entries: a string child and an object child.
+// The output walk: what the root carries, the order of content, pseudo
+// children, type attributes, choices, and failures as a path from the root.
 #include <gtest/gtest.h>
 
-#include <string>
+#include "binding/binding_test_types.h"
 
-#include "binding/hand_written_nodes.h"
-
-using namespace KdBind;
-using namespace KdBindData;
+using namespace BindingTest;
 
 namespace {
 
-using namespace TestNodes;
-
-std::string FullFailure(CXmlObjectBase const& object, CXmlSerializationContext const& context =
-                                                          CXmlSerializationContext::m_defaultContext)
+// An order with everything mandatory set and one line item.
+CSmartPtr<CPurchaseOrder> NewOrder()
 {
-    try {
-        object.ToXml(false, false, EOLType_LF, context);
-    } catch (CKdException const& e) {
-        return e.GetFullMessage();
-    }
-    return "<no exception>";
+    CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
+    order->SetOrderDate("d");
+    order->GetShipTo().SetName("A");
+    CSmartPtr<CLineItem> item = new CLineItem();
+    item->SetPartNum("1");
+    order->GetLineItems().Add(item);
+    order->GetTotals().SetItemCount(1);
+    return order;
 }
 
 } // namespace
 
-TEST(OutputWalkTest, EmptyRootCarriesTheContextsRootItems)
+TEST(OutputWalkTest, OnlyTheRootCarriesTheContextsItemsAndContentFollowsTheTable)
 {
-    CSmartPtr<CTestNode> root = new CTestNode("order", Info(XmlElementGroupType_Sequence, "order", "urn:po"));
-    CXmlSerializationContext context;
+    Context context;
     context.GetProcessingInstructions().push_back("<?first?>");
     context.GetProcessingInstructions().push_back("<?second?>");
     context.GetNamespaceAliases().Add("z", "urn:z");
-    context.GetNamespaceAliases().Add("a", "urn:a");
-    context.SetDefaultNamespaceURI("urn:po");
-    EXPECT_EQ(root->ToXml(true, true, EOLType_CRLF, context),
-              "<?xml version=\"1.0\"?>\r\n<?first?>\r\n\r\n<?second?>\r\n\r\n"
-              "<order xmlns=\"urn:po\" xmlns:a=\"urn:a\" xmlns:z=\"urn:z\"/>\r\n");
-}
-
-TEST(OutputWalkTest, ChildrenInTableOrderTextLastRootItemsOnlyOnTheRoot)
-{
-    CTestNode* child = new CTestNode("address", Info(XmlElementGroupType_Sequence, "address", "urn:po"),
-                                     {new CStringChildEntry("city", "urn:po", 1)});
-    child->m_strings[1] = "Oslo";
-    CSmartPtr<CTestNode> root = new CTestNode(
-        "order", Info(XmlElementGroupType_Sequence, "order", "urn:po", 9),
-        {new CStringChildEntry("id", "urn:po", 1), new CObjectChildEntry("address", "urn:po", 2),
-         new CStringChildEntry("missing", "urn:po", 3)},
-        {new CStringAttributeEntry("version", "", 4, true, nullptr)});
-    root->m_strings[1] = "17";
-    root->m_children[2] = child;
-    root->m_strings[4] = "2";
-    root->m_strings[9] = "note & text";
-
-    CXmlSerializationContext context;
-    context.GetNamespaceAliases().Add("po", "urn:po");
+    context.GetNamespaceAliases().Add("po", NAMESPACE);
+    context.SetDefaultNamespaceURI("urn:d");
     context.SetInLineSchema("<s/>");
-    EXPECT_EQ(root->ToXml(false, true, EOLType_LF, context),
-              "<po:order xmlns:po=\"urn:po\" version=\"2\" \n<s/>\n>\n"
-              "\t<po:id>17</po:id>\n"
-              "\t<po:address>\n"
-              "\t\t<po:city>Oslo</po:city>\n"
-              "\t</po:address>\n"
-              "note &amp; text</po:order>\n");
+    CSmartPtr<CPurchaseOrder> order = NewOrder();
+    order->SetPriority(Priority_urgent);
+    order->GetTotals().SetShipping(2.5);
+    EXPECT_EQ(order->ToXml(true, false, EOLType_CRLF, context),
+              "<?xml version=\"1.0\"?>\r\n<?first?>\r\n\r\n<?second?>\r\n\r\n"
+              "<po:purchaseOrder xmlns=\"urn:d\" xmlns:po=\"urn:kdbind:example:po\" xmlns:z=\"urn:z\" "
+              "orderDate=\"d\" status=\"open\" \r\n<s/>\r\n>"
+              "<po:shipTo country=\"US\"><po:name>A</po:name><po:street/><po:city/><po:state/><po:zip>0</po:zip>"
+              "</po:shipTo><po:priority>urgent</po:priority><po:lineItem partNum=\"1\"><po:productName/>"
+              "<po:quantity>0</po:quantity><po:USPrice>0</po:USPrice></po:lineItem><po:subtotal>0</po:subtotal>"
+              "<po:shipping>2.5</po:shipping><po:itemCount>1</po:itemCount></po:purchaseOrder>");
 }
 
-TEST(OutputWalkTest, GroupingChildWritesOnlyContentAndForwardsAttributes)
+TEST(OutputWalkTest, TextComesLastAndMissingMandatoryChildrenWriteNothing)
 {
-    CTestNode* group = new CTestNode(
-        "", Info(XmlElementGroupType_Sequence, "Group", "", -1, XmlElementType_PseudoChild),
-        {new CStringChildEntry("inner", "", 1)}, {new CStringAttributeEntry("flag", "", 2, true, nullptr)});
-    group->m_strings[1] = "x";
-    group->m_strings[2] = "on";
-    CSmartPtr<CTestNode> root = new CTestNode("root", Info(XmlElementGroupType_Sequence, "root"),
-                                              {new CObjectChildEntry("Group", "", 1)});
-    root->m_children[1] = group;
-    EXPECT_EQ(root->ToXml(false, false), "<root flag=\"on\"><inner>x</inner></root>");
+    CSmartPtr<CNote> note = new CNote("a & b");
+    note->lang.SetString("en");
+    EXPECT_EQ(Written(*note), "<AA:note xmlns:AA=\"urn:kdbind:example:po\" lang=\"en\">a &amp; b</AA:note>");
+    CSmartPtr<CContact> contact = new CContact();
+    contact->address.SetXmlObject(nullptr);
+    EXPECT_EQ(Written(*contact), "<AA:contact xmlns:AA=\"urn:kdbind:example:po\"/>");
+}
+
+TEST(OutputWalkTest, PseudoChildrenForwardTheirAttributesPseudoGroupsDoNot)
+{
+    CSmartPtr<CInvoice> invoice = new CInvoice();
+    invoice->id.SetUI4(7);
+    invoice->priority.SetI4(Priority_low);
+    invoice->Terms().currency.SetString("EUR");
+    invoice->Terms().days.SetI4(30);
+    EXPECT_EQ(Written(*invoice), "<AA:invoice xmlns:AA=\"urn:kdbind:example:po\" id=\"7\" priority=\"low\" "
+                                 "currency=\"EUR\"><AA:days>30</AA:days></AA:invoice>");
+
+    // Entries on the properties of a delivery: its totals and its notes.
+    CSmartPtr<CDelivery> delivery = new CDelivery();
+    delivery->totals.SetXmlObject(CreateTestObject(ClassId_Terms, "Terms"));
+    static_cast<CTerms*>(delivery->totals.GetXmlObject().get())->currency.SetString("USD");
+    delivery->notes->Add(new CNote("x"));
+    delivery->notes->GetAt(0)->lang.SetString("en");
+    CElementInfoSeqClsOpt group("Terms", NAMESPACE, CDelivery::Property_Totals, XmlElementType_PseudoGroup,
+                                &CreateTestObject, ClassId_Terms);
+    CElementInfoSeqClsOpt child("Terms", NAMESPACE, CDelivery::Property_Totals, XmlElementType_PseudoChild,
+                                &CreateTestObject, ClassId_Terms);
+    CElementInfoSeqClsCol notes("note", NAMESPACE, CDelivery::Property_Notes, XmlElementType_PseudoChild);
+    EXPECT_EQ(WrittenBy([&](CXmlWriter* writer) {
+                  for (CElementInfo const* entry : std::initializer_list<CElementInfo const*>{&group, &child, &notes})
+                      entry->PseudoChildAttributeToXml(Context::m_defaultContext, delivery, writer);
+              }),
+              "<e currency=\"USD\" lang=\"en\"/>");
 }
 
 TEST(OutputWalkTest, TypeAttributeOnlyUnderAnotherName)
 {
-    CSmartPtr<CTestNode> node =
-        new CTestNode("Base", Info(XmlElementGroupType_Sequence, "Base", "urn:t", -1, XmlElementType_Element, true));
-    EXPECT_EQ(node->ToXml(false, false), "<AA:Base xmlns:AA=\"urn:t\"/>");
-    node->SetElementName("item");
-    EXPECT_EQ(node->ToXml(false, false),
-              "<AA:item xmlns:AA=\"urn:t\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
-              "AB:type=\"AA:Base\"/>");
+    CSmartPtr<CBookDetails> book = new CBookDetails();
+    EXPECT_EQ(Written(*book), "<AA:BookDetails xmlns:AA=\"urn:kdbind:example:po\"><AA:author/><AA:isbn/>"
+                              "</AA:BookDetails>");
+    book->SetElementName("details");
+    EXPECT_EQ(Written(*book), "<AA:details xmlns:AA=\"urn:kdbind:example:po\" "
+                              "xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:BookDetails\">"
+                              "<AA:author/><AA:isbn/></AA:details>");
 }
 
-TEST(OutputWalkTest, ChoiceWritesTheFirstSetAlternativeOnly)
+TEST(OutputWalkTest, ChoiceWritesTheFirstSetAlternativeAndMayBeEmptyOnlyWhenOptional)
 {
-    CSmartPtr<CTestNode> choice =
-        new CTestNode("pay", Info(XmlElementGroupType_Choice, "pay"),
-                      {new CStringChildEntry("card", "", 1), new CStringChildEntry("cash", "", 2)});
-    choice->m_strings[2] = "10";
-    EXPECT_EQ(choice->ToXml(false, false), "<pay><cash>10</cash></pay>");
-    choice->m_strings[1] = "visa";
-    EXPECT_EQ(choice->ToXml(false, false), "<pay><card>visa</card></pay>");
+    CSmartPtr<CDelivery> delivery = new CDelivery();
+    EXPECT_EQ(Written(*delivery), "<AA:delivery xmlns:AA=\"urn:kdbind:example:po\"/>");  // optional alternatives
+    delivery->priority.SetI4(Priority_low);
+    delivery->pickup.SetString("door");
+    EXPECT_EQ(Written(*delivery), "<AA:delivery xmlns:AA=\"urn:kdbind:example:po\"><AA:pickup>door</AA:pickup>"
+                                  "</AA:delivery>");
+    delivery->pickup.Clear();
+    delivery->priority.Clear();
+    // A collection alternative goes out whatever its count.
+    for (char const* text : {"a", "b", "c", "d"})
+        delivery->notes->Add(new CNote(text));
+    EXPECT_EQ(Written(*delivery), "<AA:delivery xmlns:AA=\"urn:kdbind:example:po\"><AA:note>a</AA:note>"
+                                  "<AA:note>b</AA:note><AA:note>c</AA:note><AA:note>d</AA:note></AA:delivery>");
+
+    char const kEmptyChoice[] = "This element is a choice, and as such must have at one (and only one) valid item, "
+                                "currently there are none set";
+    CSmartPtr<CPayment> payment = new CPayment();
+    EXPECT_EQ(Failure([&] { Written(*payment); }),
+              "Failed to convert the element [payment] to XML\n" + std::string(kEmptyChoice));
+    EXPECT_EQ(Written(*payment, With(&Context::SetIgnoreMissingChoice)),
+              "<AA:payment xmlns:AA=\"urn:kdbind:example:po\"/>");
+
+    // A known class alternative of a choice writes its child as optional; a
+    // sequence does not.
+    delivery = new CDelivery();
+    delivery->payment.SetXmlObject(payment);
+    EXPECT_EQ(Written(*delivery), "<AA:delivery xmlns:AA=\"urn:kdbind:example:po\"><AA:payment/></AA:delivery>");
+    CSmartPtr<CInvoice> invoice = new CInvoice();
+    invoice->id.SetUI4(7);
+    invoice->priority.SetI4(Priority_low);
+    invoice->payment.SetXmlObject(payment);
+    EXPECT_EQ(Failure([&] { Written(*invoice); }), "Failed to convert the element [invoice] to XML\n"
+                                                   "Failed to convert the element [payment] to XML\n" +
+                                                       std::string(kEmptyChoice));
 }
 
-TEST(OutputWalkTest, EmptyChoiceFailsUnlessIgnored)
+TEST(OutputWalkTest, FailuresReadAsThePathFromTheRootAndKeepTheFirstThrown)
 {
-    CSmartPtr<CTestNode> choice =
-        new CTestNode("pay", Info(XmlElementGroupType_Choice, "pay"), {new CStringChildEntry("card", "", 1)});
-    EXPECT_EQ(FullFailure(*choice),
-              "Failed to convert the element [pay] to XML\n"
-              "This element is a choice, and as such must have at one (and only one) valid item, currently there "
-              "are none set");
-    CXmlSerializationContext lenient;
-    lenient.SetIgnoreMissingChoice(true);
-    EXPECT_EQ(choice->ToXml(false, false, EOLType_LF, lenient), "<pay/>");
-}
+    CSmartPtr<CPurchaseOrder> order = NewOrder();
+    order->GetLineItems().Clear();
+    EXPECT_EQ(Failure([&] { Written(*order); }),
+              "Failed to convert the element [purchaseOrder] to XML\n"
+              "The Minimum number of [lineItem] elements allowed in this collection is 1");
+    EXPECT_EQ(Written(*order, With(&Context::SetIgnoreInvalidCollectionCounts)).find("lineItem"), std::string::npos);
 
-TEST(OutputWalkTest, FailuresReadAsThePathFromTheRoot)
-{
-    CTestNode* leaf =
-        new CTestNode("line", Info(XmlElementGroupType_Sequence, "line"), {new CStringChildEntry("qty", "", 1)});
-    leaf->m_strings[1] = "throw";
-    CTestNode* middle =
-        new CTestNode("lines", Info(XmlElementGroupType_Sequence, "lines"), {new CObjectChildEntry("line", "", 1)});
-    middle->m_children[1] = leaf;
-    CSmartPtr<CTestNode> root =
-        new CTestNode("order", Info(XmlElementGroupType_Sequence, "order"), {new CObjectChildEntry("lines", "", 1)});
-    root->m_children[1] = middle;
+    order = NewOrder();
+    order->SetStatus(static_cast<OrderStatus>(9));
     try {
-        root->ToXml();
+        Written(*order);
         FAIL() << "no exception";
     } catch (CKdValidationException const& e) {
-        EXPECT_EQ(e.GetFullMessage(),
-                  "Failed to convert the element [order] to XML\n"
-                  "Failed to convert the element [lines] to XML\n"
-                  "Failed to convert the element [line] to XML\n"
-                  "bad value");
+        EXPECT_EQ(e.GetFullMessage(), "Failed to convert the element [purchaseOrder] to XML\n"
+                                      "Failed to convert attributes to XML\n"
+                                      "Invalid value [9] for the enumeration [OrderStatus]");
         CKdException const* first = &e;
         while (first->GetInnerException())
             first = first->GetInnerException();
         EXPECT_NE(dynamic_cast<CKdInvalidValueException const*>(first), nullptr);
     }
-}
-
-TEST(OutputWalkTest, AttributeFailureIsWrappedTwice)
-{
-    class CFailingAttribute : public CStringAttributeEntry {
-    public:
-        using CStringAttributeEntry::CStringAttributeEntry;
-        void AttributeToXml(CXmlSerializationContext const&, CXmlGeneratedClass const*, CXmlWriter*) const override
-        {
-            throw CKdException("no value");
-        }
-    };
-    CSmartPtr<CTestNode> node = new CTestNode("e", Info(XmlElementGroupType_Sequence, "e"), {},
-                                              {new CFailingAttribute("a", "", 1, false, nullptr)});
-    EXPECT_EQ(FullFailure(*node),
-              "Failed to convert the element [e] to XML\nFailed to convert attributes to XML\nno value");
-}
-
-TEST(OutputWalkTest, UnknownGroupType)
-{
-    CSmartPtr<CTestNode> node = new CTestNode("e", Info(static_cast<XmlElementGroupType>(5), "e"));
-    EXPECT_EQ(FullFailure(*node), "Failed to convert the element [e] to XML\nUnknown XML Group Type");
-}
-
-TEST(OutputWalkTest, CleanMetaDataFreesAndNullsTheTables)
-{
-    CParentElementInfo* info = Info(XmlElementGroupType_Sequence, "e");
-    CElementInfo** elements = new CElementInfo*[2]{new CStringChildEntry("a", "", 1), nullptr};
-    CAttributeInfo** attributes = nullptr;
-    CXmlGeneratedClass::CleanMetaData(info, elements, attributes);
-    EXPECT_EQ(info, nullptr);
-    EXPECT_EQ(elements, nullptr);
-    EXPECT_EQ(attributes, nullptr);
 }
