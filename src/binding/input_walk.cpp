@@ -112,8 +112,9 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
 {
     CXmlElement* const start = cursor;
     CElementInfo** table = GetClassElementInfo();
+    std::string const ownerNamespace = GetNamespace();
     for (CElementInfo** entry = table; entry && *entry;) {
-        if ((*entry)->ElementFromXml(context, this, parent, &cursor, GetNamespace().c_str(), ownerType)) {
+        if ((*entry)->ElementFromXml(context, this, parent, &cursor, ownerNamespace.c_str(), ownerType)) {
             ++entry;
             continue;
         }
@@ -136,12 +137,13 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
     CElementInfo** table = GetClassElementInfo();
     int const count = CountEntries(table);
     std::unique_ptr<bool[]> done(new bool[count > 0 ? count : 1]());
+    std::string const ownerNamespace = GetNamespace();
     // The order is free: passes repeat while they consume something.
     while (cursor) {
         CXmlElement* const before = cursor;
         for (int i = 0; i < count; ++i) {
             if (!done[i])
-                done[i] = table[i]->ElementFromXml(context, this, parent, &cursor, GetNamespace().c_str(), ownerType);
+                done[i] = table[i]->ElementFromXml(context, this, parent, &cursor, ownerNamespace.c_str(), ownerType);
         }
         if (cursor == before)
             break;
@@ -164,10 +166,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationCo
 {
     CXmlElement* const start = cursor;
     CElementInfo** table = GetClassElementInfo();
+    std::string const ownerNamespace = GetNamespace();
     bool matched = false;
     for (;;) {
         for (CElementInfo** entry = table; entry && *entry && !matched; ++entry)
-            matched = (*entry)->ElementFromXml(context, this, parent, &cursor, GetNamespace().c_str(), ownerType);
+            matched = (*entry)->ElementFromXml(context, this, parent, &cursor, ownerNamespace.c_str(), ownerType);
         // In a real element unknown elements may be passed over until one matches.
         if (matched || ownerType != XmlElementType_Element || !cursor || !context.GetIgnoreUnknownElements())
             break;
