@@ -141,15 +141,16 @@ TEST(OutputWalkTest, FailuresReadAsThePathFromTheRootAndKeepTheFirstThrown)
               "The Minimum number of [lineItem] elements allowed in this collection is 1");
     EXPECT_EQ(Written(*order, With(&Context::SetIgnoreInvalidCollectionCounts)).find("lineItem"), std::string::npos);
 
-    order = NewOrder();
-    order->SetStatus(static_cast<OrderStatus>(9));
+    CSmartPtr<CInvoice> invoice = new CInvoice();
+    invoice->id.SetUI4(7);
+    invoice->priority.SetI4(9);
     try {
-        Written(*order);
+        Written(*invoice);
         FAIL() << "no exception";
     } catch (CKdValidationException const& e) {
-        EXPECT_EQ(e.GetFullMessage(), "Failed to convert the element [purchaseOrder] to XML\n"
+        EXPECT_EQ(e.GetFullMessage(), "Failed to convert the element [invoice] to XML\n"
                                       "Failed to convert attributes to XML\n"
-                                      "Invalid value [9] for the enumeration [OrderStatus]");
+                                      "Invalid value [9] for the enumeration [Priority]");
         CKdException const* first = &e;
         while (first->GetInnerException())
             first = first->GetInnerException();
