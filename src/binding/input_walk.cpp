@@ -20,6 +20,26 @@ int CountEntries(Entry** table)
     return count;
 }
 
+// One flag per entry of a table, all false: on the stack for the common
+// small table, so that reading an element allocates nothing for them.
+class CEntryFlags {
+public:
+    explicit CEntryFlags(int count)
+        : m_heap(count > kOnStack ? new bool[count]() : nullptr), m_flags(m_heap ? m_heap.get() : m_stack)
+    {
+    }
+    CEntryFlags(CEntryFlags const&) = delete;
+    CEntryFlags& operator=(CEntryFlags const&) = delete;
+
+    bool& operator[](int index) { return m_flags[index]; }
+
+private:
+    static constexpr int kOnStack = 32;
+    bool m_stack[kOnStack] = {};
+    std::unique_ptr<bool[]> m_heap;
+    bool* m_flags;
+};
+
 [[noreturn]] void ThrowLeftOver(CXmlElement const* parent, CXmlElement const* cursor)
 {
     throw CKdValidationException(FormatString("Failed read all the elements held within the element [%s]. The "
@@ -80,14 +100,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
 {
     CAttributeInfo** table = GetClassAttributeInfo();
     int const count = CountEntries(table);
-    // One flag per entry; the common small table stays on the stack.
-    bool stackFlags[32] = {};
-    std::unique_ptr<bool[]> heapFlags;
-    bool* found = stackFlags;
-    if (count > static_cast<int>(sizeof stackFlags)) {
-        heapFlags.reset(new bool[count]());
-        found = heapFlags.get();
-    }
+    CEntryFlags found(count);
     for (CXmlAttribute* attribute : element->GetAttributes()) {
         if (attribute->IsNamespaceAttribute())
             continue;
@@ -136,7 +149,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
     CXmlElement* const start = cursor;
     CElementInfo** table = GetClassElementInfo();
     int const count = CountEntries(table);
-    std::unique_ptr<bool[]> done(new bool[count > 0 ? count : 1]());
+    CEntryFlags done(count);
     std::string const ownerNamespace = GetNamespace();
     // The order is free: passes repeat while they consume something.
     while (cursor) {
