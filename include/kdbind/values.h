@@ -252,8 +252,10 @@ public:
     void SetXmlObject(CXmlObjectBase* value);
     void SetXmlCollection(CXmlCollectionBase* value);
 
-    // Getters check nothing: asking for another kind than the tag reads the
-    // payload word as that kind. Callers test the tag or know what they stored.
+    // Getters of inline kinds check nothing: asking for another kind than the
+    // tag reads the payload word as that kind. Callers test the tag or know
+    // what they stored. Getters of owned and counted kinds give an empty value
+    // under another tag rather than follow a word that is no pointer.
     CBinaryData GetHexBinary() const;
     CBinaryData GetBase64Binary() const;
     char GetI1() const { return m_value.i1; }
@@ -276,7 +278,10 @@ public:
     CDateTime GetDateTime() const;
     CDateTime GetTime() const;
     char GetChar() const { return m_value.i1; }
-    std::string GetString() const { return m_value.string ? *m_value.string : std::string(); }
+    std::string GetString() const
+    {
+        return m_type == ItemType_string && m_value.string ? *m_value.string : std::string();
+    }
     bool GetBoolean() const { return m_value.boolean; }
     CDecimal GetDecimal() const;
     CBigInteger GetInteger() const;

@@ -1,6 +1,7 @@
 // KdVariant storage: tags, payload ownership and copying. The lexical side
 // (ToString, FromString) stands in kd_variant_conversions.cpp.
 #include <cstring>
+#include <initializer_list>
 
 #include "kdbind/binding.h"
 
@@ -64,7 +65,7 @@ constexpr int kTagCount = static_cast<int>(sizeof(kOwnership) / sizeof(kOwnershi
 
 } // namespace
 
-KdVariant::KdVariant() : m_type(ItemType_invalid) { m_value.pointer = nullptr; m_value.ui8 = 0; }
+KdVariant::KdVariant() : m_type(ItemType_invalid) { m_value.ui8 = 0; }
 
 KdVariant::KdVariant(KdVariant const& other) : KdVariant() { *this = other; }
 
@@ -137,9 +138,26 @@ void KdVariant::SetBase64Binary(CBinaryData const& value)
     Reset(ItemType_base64Binary).binary = copy;
 }
 
-CBinaryData KdVariant::GetHexBinary() const { return m_value.binary ? *m_value.binary : CBinaryData(); }
+namespace {
+// The payload pointer when the tag is one of the kinds that hold it, else null.
+template <class T>
+T* PayloadOf(ItemType tag, T* payload, std::initializer_list<ItemType> kinds)
+{
+    for (ItemType kind : kinds)
+        if (tag == kind)
+            return payload;
+    return nullptr;
+}
+} // namespace
 
-CBinaryData KdVariant::GetBase64Binary() const { return m_value.binary ? *m_value.binary : CBinaryData(); }
+// Both binary kinds hold the same bytes; either getter reads either.
+CBinaryData KdVariant::GetHexBinary() const
+{
+    CBinaryData const* data = PayloadOf(m_type, m_value.binary, {ItemType_hexBinary, ItemType_base64Binary});
+    return data ? *data : CBinaryData();
+}
+
+CBinaryData KdVariant::GetBase64Binary() const { return GetHexBinary(); }
 
 void KdVariant::SetString(std::string value)
 {
@@ -161,11 +179,14 @@ void KdVariant::SetXmlCollection(CXmlCollectionBase* value)
     Reset(ItemType_xmlCollection).collection = value;
 }
 
-CSmartPtr<CXmlObjectBase> KdVariant::GetXmlObject() const { return CSmartPtr<CXmlObjectBase>(m_value.object); }
+CSmartPtr<CXmlObjectBase> KdVariant::GetXmlObject() const
+{
+    return CSmartPtr<CXmlObjectBase>(PayloadOf(m_type, m_value.object, {ItemType_xmlObject}));
+}
 
 CSmartPtr<CXmlCollectionBase> KdVariant::GetXmlCollection() const
 {
-    return CSmartPtr<CXmlCollectionBase>(m_value.collection);
+    return CSmartPtr<CXmlCollectionBase>(PayloadOf(m_type, m_value.collection, {ItemType_xmlCollection}));
 }
 
 } // namespace KdBind

@@ -1,4 +1,6 @@
 // KdVariant: its tags, what it owns, and its text forms.
+#include <kdbind/binding.h>
+
 #include "runtime/test_support.h"
 
 using namespace KdBind;
@@ -26,6 +28,13 @@ TEST(VariantTest, OwnedKindsAreCopiedDeeplyAndSelfAssignmentEmpties)
     KdVariant& alias = copy;
     copy = alias;
     EXPECT_FALSE(copy.IsValid());
+
+    // Pointer kinds read under another tag give nothing instead of a stray word.
+    value.SetI8(0x1234);
+    EXPECT_EQ(value.GetString(), "");
+    EXPECT_EQ(value.GetHexBinary().GetLength(), 0u);
+    EXPECT_EQ(value.GetXmlObject().get(), nullptr);
+    EXPECT_EQ(value.GetXmlCollection().get(), nullptr);
 }
 
 // Each scalar kind reads through its FromString, stores under its tag and
