@@ -1,5 +1,7 @@
 // Name and namespace matching: wildcard namespace restrictions and element
 // identity under the options of a context.
+#include <string_view>
+
 #include "kdbind/binding.h"
 
 namespace KdBind {
@@ -24,6 +26,17 @@ bool TokenAccepts(std::string const& token, std::string const& ns, std::string c
 }
 
 std::string TextOrEmpty(char const* text) { return text ? text : ""; }
+
+// Schema type 2 compares local names only; the context already reports it as
+// ignoring namespaces, so one test covers both. Compared in place: generated
+// collections ask for every element they read.
+bool ElementNameMatches(CXmlSerializationContext const& context, CXmlElement const* element, std::string_view name,
+                        std::string_view ns)
+{
+    if (!element || element->GetLocalName() != name)
+        return false;
+    return context.GetIgnoreNamespaces() || element->GetNamespaceURI() == ns;
+}
 
 } // namespace
 
@@ -54,14 +67,10 @@ void CXmlObjectHelper::TestNamespace(std::string const& ns, std::string const& r
             ns.c_str(), restriction.c_str(), targetNamespace.c_str()));
 }
 
-// Schema type 2 compares local names only; the context already reports it as
-// ignoring namespaces, so one test covers both.
 bool CXmlObjectHelper::DoesElementNameMatch(CXmlSerializationContext const& context, CXmlElement const* element,
                                             std::string const& name, std::string const& ns)
 {
-    if (!element || element->GetLocalName() != name)
-        return false;
-    return context.GetIgnoreNamespaces() || element->GetNamespaceURI() == ns;
+    return ElementNameMatches(context, element, name, ns);
 }
 
 bool CXmlObjectBase::IsNamespaceValid(char const* ns, char const* restriction, char const* targetNamespace) const
@@ -77,7 +86,7 @@ void CXmlObjectBase::TestNamespace(char const* ns, char const* restriction, char
 bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& context, CXmlElement const* element,
                                           char const* name, char const* ns) const
 {
-    return CXmlObjectHelper::DoesElementNameMatch(context, element, TextOrEmpty(name), TextOrEmpty(ns));
+    return ElementNameMatches(context, element, name ? name : "", ns ? ns : "");
 }
 
 } // namespace KdBind
