@@ -217,7 +217,7 @@ public:
     // Destroys the object when the count comes to exactly 0; an object that
     // was never counted goes to -1 and lives on.
     long Release();
-    std::string GetElementName() const { return m_elementName; }
+    std::string const& GetElementName() const { return m_elementName; }
     void SetElementName(char const* name) { m_elementName = name ? name : ""; }
     CXmlObjectBase const* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
 

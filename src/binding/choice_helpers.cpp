@@ -36,7 +36,7 @@ void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase* value, char cons
 {
     if (!value)
         return;
-    std::string const actualName = value->GetBase()->GetElementName();
+    std::string const& actualName = value->GetBase()->GetElementName();
     if (std::strcmp(actualName.c_str(), TextOrEmpty(expectedName)) != 0)
         throw CKdInvalidParamException(FormatString(
             "This property requrires an element with the name %s the element being set has the element name %s",
