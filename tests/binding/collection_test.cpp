@@ -119,14 +119,14 @@ TEST(CollectionTest, ListenersAreToldInTheOrderTheyCameAndNodesHoldOneReference)
     CEventLog one(log, "1:"), two(log, "2:");
     CSmartPtr<CNoteCol> first = new CNoteCol, second = new CNoteCol;
     first->AddEventListener(&one);
-    first->AddEventListener(&two);
     first->AddEventListener(&one);
+    first->AddEventListener(&two);
     first->Clear();
     EXPECT_TRUE(log.empty());
     CSmartPtr<CNote> shared = new CNote("s");
     first->AppendItem(shared);
-    EXPECT_EQ(log, (Log{"1:adding s", "2:adding s", "1:adding s", "1:added s", "2:added s", "1:added s", "1:changed",
-                        "2:changed", "1:changed"}));
+    EXPECT_EQ(log, (Log{"1:adding s", "1:adding s", "2:adding s", "1:added s", "1:added s", "2:added s", "1:changed",
+                        "1:changed", "2:changed"}));
     first->RemoveEventListener(&one);  // every occurrence
     second->AppendItem(shared);
     EXPECT_EQ(Holders(shared), 3);
