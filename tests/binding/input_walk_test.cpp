@@ -36,21 +36,20 @@ TEST(InputWalkTest, AnyRootLoadsFromAFreshObjectAndStrayTextIsDropped)
 TEST(InputWalkTest, AttributesUnknownMissingAndOfTheSchemaInstance)
 {
     CPurchaseOrder order;
-    EXPECT_EQ(LoadFailure(order, OrderXml(kShipTo + kLineItem + kTotals, "orderDate='d' colour='red'")),
-              "Failed to process the element [purchaseOrder]\nUnexpected Attribute [colour] found.");
-    EXPECT_EQ(LoadFailure(order, OrderXml(kShipTo + kLineItem + kTotals, "orderDate='d' colour='red'"),
-                          With(&Context::SetIgnoreUnknownAttributes)),
+    auto withAttributes = [](std::string const& attributes) {
+        return OrderXml(kShipTo + kLineItem + kTotals, attributes);
+    };
+    EXPECT_EQ(LoadFailure(order, withAttributes("orderDate='d' colour='red'"), With(&Context::SetIgnoreUnknownAttributes)),
               "<no exception>");
-    EXPECT_EQ(LoadFailure(order, OrderXml(kShipTo + kLineItem + kTotals, "")),
+    EXPECT_EQ(LoadFailure(order, withAttributes("")),
               "Failed to process the element [purchaseOrder]\nFailed to find the required Attribute [orderDate]");
-
     // The type and the schema locations never count as unknown; other
     // attributes of the schema instance namespace do.
     std::string const xsi = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' orderDate='d' ";
-    EXPECT_EQ(LoadFailure(order, OrderXml(kShipTo + kLineItem + kTotals,
-                                          xsi + "xsi:type='T' xsi:schemaLocation='a b' xsi:noNamespaceSchemaLocation='c'")),
+    EXPECT_EQ(LoadFailure(order, withAttributes(xsi + "xsi:type='T' xsi:schemaLocation='a b' "
+                                                      "xsi:noNamespaceSchemaLocation='c'")),
               "<no exception>");
-    EXPECT_EQ(LoadFailure(order, OrderXml(kShipTo + kLineItem + kTotals, xsi + "xsi:nil='true'")),
+    EXPECT_EQ(LoadFailure(order, withAttributes(xsi + "xsi:nil='true'")),
               "Failed to process the element [purchaseOrder]\nUnexpected Attribute [nil] found.");
 }
 
