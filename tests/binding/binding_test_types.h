@@ -225,7 +225,8 @@ protected:
     }
     CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* cursor, Context const& context, bool) override
     {
-        while (cursor && DoesElementNameMatch(context, cursor, GetElementName().c_str(), GetNamespace().c_str())) {
+        std::string const ns = GetNamespace();
+        while (cursor && DoesElementNameMatch(context, cursor, GetElementName().c_str(), ns.c_str())) {
             CSmartPtr<CNote> item = new CNote();
             CXmlObjectBase::FromXml_Int(item, cursor, cursor->GetFirstElement(), context);
             AppendItem(item);
