@@ -140,7 +140,9 @@ void CLineItemCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSeria
 CXmlElement* CLineItemCol::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& context,
                                        bool)
 {
-    while (cursor && DoesElementNameMatch(context, cursor, GetElementName().c_str(), GetNamespace().c_str())) {
+    std::string const& name = GetElementName();
+    std::string const ns = GetNamespace();
+    while (cursor && DoesElementNameMatch(context, cursor, name.c_str(), ns.c_str())) {
         CSmartPtr<CLineItem> item = new CLineItem();
         CXmlObjectBase::FromXml_Int(item, cursor, cursor->GetFirstElement(), context);
         AppendItem(item);

@@ -53,7 +53,8 @@ void AsyncToXmlFile(bool async);
 class CXmlSerializationContext {
 public:
     CXmlSerializationContext();
-    // Shares the additional root attributes; copies everything else.
+    // Copies every option. The additional root attributes, which copies
+    // share, and the Fast Infoset options join with their own classes.
     CXmlSerializationContext(CXmlSerializationContext const& other);
     CXmlSerializationContext& operator=(CXmlSerializationContext const&) = delete;
     virtual ~CXmlSerializationContext();

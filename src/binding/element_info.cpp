@@ -188,9 +188,13 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
     if (!value.IsValid())
         return false;
     long const number = value.GetI4();
-    writer->WriteStartElement(m_elementName, m_namespace);
+    // A generated function answers null for a value outside the enumeration;
+    // that fails before anything of the element is written.
     char const* text = toText(static_cast<int>(number));
-    writer->WriteString(text ? text : "", ItemType_string);
+    if (!text)
+        throw CKdInvalidValueException(FormatString("Invalid Value for %s [%ld]", m_elementName.c_str(), number));
+    writer->WriteStartElement(m_elementName, m_namespace);
+    writer->WriteString(text, ItemType_string);
     writer->WriteEndElement();
     return true;
 }

@@ -90,7 +90,8 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool root, char const* ns
                     writer->SetDefaultNamespace(context.GetDefaultNamespaceURI());
             }
             writer->WriteStartElement(GetElementName(), ns ? ns : "");
-            // The additional root attributes join with wildcard attribute content.
+            // The context's additional root attributes are written here once
+            // the wildcard attribute collection that holds them is in the library.
             AttributesToXml_Int(writer, context);
             if (root && !context.GetInLineSchema().empty())
                 writer->WriteInlineSchema(context.GetInLineSchema());
