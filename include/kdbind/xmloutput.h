@@ -3,6 +3,7 @@
 #ifndef KDBIND_XMLOUTPUT_H
 #define KDBIND_XMLOUTPUT_H
 
+#include <cstring>
 #include <map>
 #include <string>
 #include <vector>
@@ -39,12 +40,26 @@ public:
     void Append(char const* text);
     void Append(std::string const& text) { Append(text.c_str()); }
     // Appends exactly length bytes.
-    void Append(char const* text, unsigned long length);
+    void Append(char const* text, unsigned long length)
+    {
+        // Most appends fit the current block; only a crossing takes the loop.
+        if (length <= m_capacity - m_used) {
+            if (length != 0)
+                memcpy(m_current + m_used, text, length);
+            m_used += length;
+            m_total += length;
+            return;
+        }
+        AppendAcrossBlocks(text, length);
+    }
     void SetText(char const* text);
     // Owned by the buffer; valid until the next change.
     char* GetText();
+    // The whole text as one string, without joining the blocks.
+    std::string GetString() const;
 
 private:
+    void AppendAcrossBlocks(char const* text, unsigned long length);
 
     std::vector<char*> m_blocks;
     std::vector<unsigned long> m_blockSizes;
@@ -73,6 +88,8 @@ public:
     unsigned long GetLength() const { return m_buffer.GetLength(); }
     XmlEncoding GetEncoding() const { return m_encoding; }
     char const* GetText() const { return m_buffer.GetText(); }
+    // The same text, copied once into a string.
+    std::string GetString() const { return m_buffer.GetString(); }
     void Append(char c) { m_buffer.Append(c); }
     void Append(char const* text) { m_buffer.Append(text); }
     void Append(std::string const& text) { m_buffer.Append(text); }
@@ -139,6 +156,8 @@ public:
         // An absent URI is inserted with an empty prefix.
         std::string GetNamespaceMapValue(std::string const& uri);
         std::string GetNamespaceMapValue(char const* uri);
+        // The same without the copy; the reference lives as long as the scope.
+        std::string const& NamespaceMapValue(std::string const& uri);
 
         long m_childCount = 0;
         bool m_startTagOpen = true;
@@ -149,8 +168,11 @@ public:
         bool m_hasAttributes = false;  // used by the binary writer only
 
     private:
+        friend class CXmlWriter;
         CXmlWriterContext const* ScopeOwner() const;
         void TakeOwnScope();
+        // Makes a spare context the context of a new element under parent.
+        void Reuse(std::string const& name, std::string const& uri, CXmlWriterContext* parent);
 
         std::string m_defaultNamespace;
         NamespaceMap* m_namespaces;
@@ -191,6 +213,12 @@ protected:
     std::string m_defaultNamespace;
     CXmlWriterContext* m_context = nullptr;
     NamespaceMap m_namespaces;
+
+private:
+    // Ended contexts kept for the next elements, so that a start tag costs
+    // no allocation once the stack has been this deep; chained through
+    // m_parent, so destroying the first destroys them all.
+    CXmlWriterContext* m_spareContexts = nullptr;
 };
 
 using CXmlWriterContext = CXmlWriter::CXmlWriterContext;
@@ -233,7 +261,7 @@ private:
     // The prefix of uri in the current element's scope. A URI the scope does
     // not know gets the lowest free code, recorded there; isNew then tells
     // the caller to write its declaration.
-    std::string PrefixInScope(std::string const& uri, bool& isNew);
+    std::string const& PrefixInScope(std::string const& uri, bool& isNew);
     // Writes ` xmlns:prefix="uri"` (with the leading blank when asked).
     void WriteNamespaceDeclaration(std::string const& prefix, std::string const& uri, bool leadingBlank);
 

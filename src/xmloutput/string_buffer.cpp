@@ -48,7 +48,7 @@ void CStringBuffer::AddNewBlock()
 
 void CStringBuffer::Append(char const* text) { Append(text, static_cast<unsigned long>(strlen(text))); }
 
-void CStringBuffer::Append(char const* text, unsigned long length)
+void CStringBuffer::AppendAcrossBlocks(char const* text, unsigned long length)
 {
     m_total += length;
     while (length > 0) {
@@ -96,6 +96,18 @@ char* CStringBuffer::GetText()
     m_capacity = total;
     m_total = total;
     return joined;
+}
+
+std::string CStringBuffer::GetString() const
+{
+    std::string text;
+    if (m_blocks.empty())
+        return text;
+    text.reserve(m_total);
+    for (size_t i = 0; i + 1 < m_blocks.size(); ++i)
+        text.append(m_blocks[i], m_blockSizes[i]);
+    text.append(m_current, m_used);
+    return text;
 }
 
 } // namespace KdBind

@@ -1,6 +1,8 @@
 // CXmlTextWriter: writer calls to XML text. Pretty printing is a fixed rule
 // on the shape of the calls: start tags indented by depth, end tags only
 // when the element had children, text adds no white space.
+#include <cstring>
+
 #include "kdbind/xmloutput.h"
 
 namespace KdBind {
@@ -49,8 +51,12 @@ void CXmlTextWriter::FlushIfFull()
 
 void CXmlTextWriter::WriteIndent(long depth)
 {
-    for (long i = 0; i < depth; ++i)
-        m_stream.Append('\t');
+    static char const tabs[] = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+    constexpr long kTabs = sizeof(tabs) - 1;
+    for (; depth > kTabs; depth -= kTabs)
+        m_stream.Append(tabs, kTabs);
+    if (depth > 0)
+        m_stream.Append(tabs, static_cast<unsigned long>(depth));
 }
 
 void CXmlTextWriter::WriteLineEndIfFormatted()
@@ -68,16 +74,16 @@ void CXmlTextWriter::WriteNamespaceDeclaration(std::string const& prefix, std::s
     m_stream.Append('"');
 }
 
-std::string CXmlTextWriter::PrefixInScope(std::string const& uri, bool& isNew)
+std::string const& CXmlTextWriter::PrefixInScope(std::string const& uri, bool& isNew)
 {
     NamespaceMap const& scope = *m_context->GetNamespaceMap();
     auto const known = scope.find(uri);
     isNew = known == scope.end();
     if (!isNew)
         return known->second;
-    std::string prefix = GetUniquePrefix(scope);
-    m_context->SetNamespaceMapValue(uri, prefix);
-    return prefix;
+    m_context->SetNamespaceMapValue(uri, GetUniquePrefix(scope));
+    // The scope may now be the element's own copy.
+    return m_context->NamespaceMapValue(uri);
 }
 
 void CXmlTextWriter::WriteStartDocument()
@@ -158,7 +164,7 @@ void CXmlTextWriter::WriteStartElement(std::string const& name, std::string cons
         m_stream.Append(name);
     } else {
         bool isNew;
-        std::string const prefix = PrefixInScope(uri, isNew);
+        std::string const& prefix = PrefixInScope(uri, isNew);
         m_stream.Append(prefix);
         m_stream.Append(':');
         m_stream.Append(name);
@@ -188,7 +194,7 @@ void CXmlTextWriter::WriteEndElement()
             WriteIndent(context->m_depth);
         m_stream.Append("</");
         if (!context->m_uri.empty() && context->m_uri != context->GetDefaultNamespace()) {
-            m_stream.Append(context->GetNamespaceMapValue(context->m_uri));
+            m_stream.Append(context->NamespaceMapValue(context->m_uri));
             m_stream.Append(':');
         }
         m_stream.Append(context->m_name);
@@ -207,7 +213,7 @@ void CXmlTextWriter::WriteString(std::string const& text, ItemType)
         m_stream.Append('>');
         m_context->m_startTagOpen = false;
     }
-    if (text.compare(0, kCDataStartLength, kCDataStart) == 0)
+    if (text.size() >= kCDataStartLength && memcmp(text.data(), kCDataStart, kCDataStartLength) == 0)
         m_stream.Append(text);
     else
         PadAndAppend(text.c_str());
@@ -253,7 +259,7 @@ void CXmlTextWriter::WriteAttributeString(std::string const& name, std::string c
     if (!uri.empty()) {
         // An attribute in a namespace always has a prefix; the default namespace does not apply.
         bool isNew;
-        std::string const prefix = PrefixInScope(uri, isNew);
+        std::string const& prefix = PrefixInScope(uri, isNew);
         if (isNew) {
             WriteNamespaceDeclaration(prefix, uri, false);
             m_stream.Append(' ');
@@ -277,7 +283,7 @@ void CXmlTextWriter::WriteAttributeType(std::string const& uri, std::string cons
         return;
     }
     bool isNew;
-    std::string const prefix = PrefixInScope(uri, isNew);
+    std::string const& prefix = PrefixInScope(uri, isNew);
     if (isNew) {
         // The declaration's trailing blank and the attribute's leading one
         // leave two blanks before the attribute; that is the known form.

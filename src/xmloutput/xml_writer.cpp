@@ -24,6 +24,23 @@ CXmlWriterContext::CXmlWriterContext(std::string const& name, std::string const&
 {
 }
 
+void CXmlWriterContext::Reuse(std::string const& name, std::string const& uri, CXmlWriterContext* parent)
+{
+    if (m_ownsMap)
+        delete m_namespaces;
+    m_childCount = 0;
+    m_startTagOpen = true;
+    m_depth = parent->m_depth + 1;
+    m_uri = uri;
+    m_name = name;
+    m_parent = parent;
+    m_hasAttributes = false;
+    m_defaultNamespace.clear();
+    m_namespaces = parent->GetNamespaceMap();
+    m_inheritsScope = true;
+    m_ownsMap = false;
+}
+
 CXmlWriterContext::~CXmlWriterContext()
 {
     if (m_ownsMap)
@@ -71,13 +88,19 @@ std::string CXmlWriterContext::GetNamespaceMapValue(std::string const& uri) { re
 
 std::string CXmlWriterContext::GetNamespaceMapValue(char const* uri) { return (*GetNamespaceMap())[uri]; }
 
+std::string const& CXmlWriterContext::NamespaceMapValue(std::string const& uri) { return (*GetNamespaceMap())[uri]; }
+
 // ---------------------------------------------------------------------------
 // CXmlWriter
 // ---------------------------------------------------------------------------
 
 CXmlWriter::CXmlWriter(char const* monitorName) : CInstanceMonitor(monitorName) {}
 
-CXmlWriter::~CXmlWriter() { delete m_context; }
+CXmlWriter::~CXmlWriter()
+{
+    delete m_context;
+    delete m_spareContexts;
+}
 
 void CXmlWriter::Open() {}
 
@@ -129,7 +152,12 @@ std::string CXmlWriter::GetUniquePrefix(NamespaceMap const& namespaces)
 
 CXmlWriterContext* CXmlWriter::PushContext(std::string const& name, std::string const& uri)
 {
-    if (m_context)
+    if (m_context && m_spareContexts) {
+        CXmlWriterContext* context = m_spareContexts;
+        m_spareContexts = context->m_parent;
+        context->Reuse(name, uri, m_context);
+        m_context = context;
+    } else if (m_context)
         m_context = new CXmlWriterContext(name, uri, m_context);
     else
         m_context = new CXmlWriterContext(name, uri, m_defaultNamespace, m_namespaces, nullptr);
@@ -140,8 +168,21 @@ void CXmlWriter::PopContext()
 {
     CXmlWriterContext* ended = m_context;
     m_context = ended->m_parent;
-    ended->m_parent = nullptr;
-    delete ended;
+    if (m_context) {
+        // The scope it owns goes now; a document element is not kept, as it
+        // carries a scope of its own making.
+        ended->m_defaultNamespace.clear();
+        if (ended->m_ownsMap) {
+            delete ended->m_namespaces;
+            ended->m_ownsMap = false;
+        }
+        ended->m_namespaces = nullptr;
+        ended->m_parent = m_spareContexts;
+        m_spareContexts = ended;
+    } else {
+        ended->m_parent = nullptr;
+        delete ended;
+    }
 }
 
 } // namespace KdBind

@@ -156,6 +156,21 @@ TEST_F(XmlTextWriterTest, FailureMessages)
     EXPECT_EQ(Output(), "<!DOCTYPE e>\n<e>text<child/></e>");
 }
 
+// Contexts of ended elements serve later ones: nothing of an ended
+// element's scope reaches its siblings or their children.
+TEST_F(XmlTextWriterTest, AnEndedScopeDoesNotReachLaterElements)
+{
+    Open(false);
+    Write({"<root", "<a urn:one"});
+    writer.AddNamespace("p", "urn:two");
+    Start("b");
+    writer.SetDefaultNamespace("urn:one");
+    Write({"<c urn:one", "/", "<d urn:two", "/", "/", "/"});
+    Write({"<a urn:one", "<b", "<c urn:one", "/", "<d urn:two", "/", "/", "/", "/"});
+    EXPECT_EQ(Output(), "<root><AA:a xmlns:AA=\"urn:one\"><b><c/><p:d/></b></AA:a>"
+                        "<AA:a xmlns:AA=\"urn:one\"><b><AA:c/><AB:d xmlns:AB=\"urn:two\"/></b></AA:a></root>");
+}
+
 TEST_F(XmlTextWriterTest, PrologueItemsDoNotCloseTheStartTag)
 {
     Open(true);
@@ -189,10 +204,12 @@ TEST(StringBufferTest, BlocksAreJoinedOnceAndAppendingGoesOn)
     buffer.Append('!');
     expected += '!';
     EXPECT_EQ(buffer.GetLength(), expected.size());
+    EXPECT_EQ(buffer.GetString(), expected);  // read across the blocks
     EXPECT_EQ(buffer.GetText(), expected);
     EXPECT_EQ(buffer.GetText(), expected);  // already joined
     buffer.Append("tail");
     buffer.Append('.');
+    EXPECT_EQ(buffer.GetString(), expected + "tail.");  // the joined block and a new one
     EXPECT_EQ(buffer.GetText(), expected + "tail.");
     buffer.Append(std::string("ab\0cd", 5));  // a string stops at its first zero byte
     EXPECT_EQ(buffer.GetText(), expected + "tail.ab");
