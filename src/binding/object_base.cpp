@@ -76,7 +76,8 @@ std::string CXmlObjectBase::ToXml(bool declaration, bool formatted, EOLType eol,
     std::string const targetNamespace = GetTargetNamespace();
     ToXml_Int(&writer, true, targetNamespace.c_str(), context, false);
     writer.Close();
-    return stream.GetText();
+    // Straight from the blocks: the text holds no NUL, so this is GetText's text.
+    return stream.GetString();
 }
 
 } // namespace KdBind
