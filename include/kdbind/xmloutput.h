@@ -166,6 +166,10 @@ public:
         std::string m_name;
         CXmlWriterContext* m_parent;
         bool m_hasAttributes = false;  // used by the binary writer only
+        // The prefix the start tag was written with and the map it stands in:
+        // the end tag reads it there as long as that map is still the scope.
+        NamespaceMap const* m_prefixScope = nullptr;
+        std::string const* m_prefix = nullptr;
 
     private:
         friend class CXmlWriter;

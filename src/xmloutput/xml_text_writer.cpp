@@ -165,6 +165,8 @@ void CXmlTextWriter::WriteStartElement(std::string const& name, std::string cons
     } else {
         bool isNew;
         std::string const& prefix = PrefixInScope(uri, isNew);
+        context->m_prefixScope = context->GetNamespaceMap();
+        context->m_prefix = &prefix;
         m_stream.Append(prefix);
         m_stream.Append(':');
         m_stream.Append(name);
@@ -194,7 +196,12 @@ void CXmlTextWriter::WriteEndElement()
             WriteIndent(context->m_depth);
         m_stream.Append("</");
         if (!context->m_uri.empty() && context->m_uri != context->GetDefaultNamespace()) {
-            m_stream.Append(context->NamespaceMapValue(context->m_uri));
+            // Map entries are never removed, so the prefix found for the start
+            // tag is still there, with any change made to it since.
+            if (context->m_prefix && context->m_prefixScope == context->GetNamespaceMap())
+                m_stream.Append(*context->m_prefix);
+            else
+                m_stream.Append(context->NamespaceMapValue(context->m_uri));
             m_stream.Append(':');
         }
         m_stream.Append(context->m_name);

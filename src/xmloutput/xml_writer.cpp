@@ -35,6 +35,8 @@ void CXmlWriterContext::Reuse(std::string const& name, std::string const& uri, C
     m_name = name;
     m_parent = parent;
     m_hasAttributes = false;
+    m_prefixScope = nullptr;
+    m_prefix = nullptr;
     m_defaultNamespace.clear();
     m_namespaces = parent->GetNamespaceMap();
     m_inheritsScope = true;
