@@ -282,6 +282,14 @@ public:
     {
         return m_type == ItemType_string && m_value.string ? *m_value.string : std::string();
     }
+    // The text ToString would give: a string payload in place, any other kind
+    // printed into scratch. Valid while the variant and scratch are unchanged.
+    std::string const& TextOf(char const* format, std::string& scratch) const
+    {
+        if (m_type == ItemType_string && m_value.string)
+            return *m_value.string;
+        return scratch = ToString(format);
+    }
     bool GetBoolean() const { return m_value.boolean; }
     CDecimal GetDecimal() const;
     CBigInteger GetInteger() const;

@@ -22,11 +22,13 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& con
     // A required attribute is not tested: ToString of an unset value is its failure.
     if (m_optional && !value.IsValid())
         return;
-    std::string const text = value.ToString(m_format);
+    std::string scratch;
+    std::string const& text = value.TextOf(m_format, scratch);
     // Left out before the facet check, so a default value is never checked.
     if (IsOmittedDefault(context, text))
         return;
-    CheckRestriction(value);
+    // The check itself, without CheckRestriction's copy of the variant.
+    CXmlObjectHelper::CheckRestriction(m_name.c_str(), value, m_itemType, m_restrictions);
     writer->WriteAttributeString(m_name, m_namespace, text, value.GetItemType());
 }
 

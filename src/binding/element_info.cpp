@@ -169,7 +169,8 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
     CheckRestriction(value);
     writer->WriteStartElement(m_elementName, m_namespace);
     // The variant's own tag, not the entry's item type, tells the writer the kind.
-    writer->WriteString(value.ToString(m_format), value.GetItemType());
+    std::string scratch;
+    writer->WriteString(value.TextOf(m_format, scratch), value.GetItemType());
     writer->WriteEndElement();
     return true;
 }
