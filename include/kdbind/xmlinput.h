@@ -64,6 +64,7 @@ void AsyncFromXmlFile(bool async);
 class CXmlAttribute : private CInstanceMonitor {
 public:
     CXmlAttribute(std::string const& name, std::string const& value, std::string const& uri);
+    CXmlAttribute(std::string&& name, std::string&& value, std::string&& uri);
     CXmlAttribute(CXmlAttribute const&) = delete;
     CXmlAttribute& operator=(CXmlAttribute const&) = delete;
     ~CXmlAttribute() override;
@@ -102,7 +103,7 @@ public:
     CXmlDocument const* GetOwnerDocument() const { return m_document; }
     CXmlElement* GetFirstElement() const { return m_firstChild; }
     CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
-    std::string const& GetNamespaceURI() const { return m_namespaceURI; }
+    std::string const& GetNamespaceURI() const { return *m_namespaceURI; }
     std::string const& GetLocalName() const { return m_localName; }
     std::string const& GetText() const { return m_text; }
     AttributeList const& GetAttributes() const { return m_attributes; }
@@ -110,13 +111,14 @@ public:
     // absent attribute reads as the empty string.
     std::string const& GetAttribute(std::string const& name, std::string const& uri) const;
 
-    void SetNamespace(std::string const& uri) { m_namespaceURI = uri; }
-    void SetNamespace(std::string&& uri) { m_namespaceURI = std::move(uri); }
+    void SetNamespace(std::string const& uri) { SetNamespace(std::string(uri)); }
+    void SetNamespace(std::string&& uri);
     void SetElementName(std::string const& name) { m_localName = name; }
     void SetElementName(std::string&& name) { m_localName = std::move(name); }
     void AppendText(char const* text, int length);
     void AppendText(char const* text);
     void AddAttribute(std::string const& name, std::string const& value, std::string const& uri);
+    void AddAttribute(std::string&& name, std::string&& value, std::string&& uri);
     void ReserveAttributes(std::size_t count) { m_attributes.reserve(count); }
 
     // Links a new element at the end of the children and returns it.
@@ -132,9 +134,13 @@ public:
 
 private:
     friend class CXmlDocument;
+    friend class CExpatReader;
     // An element of a parsed tree: its children and attributes are made in
     // the same pool.
     CXmlElement(CXmlDocument const* document, CNodePool* pool);
+    // uri is the empty string or one kept by this element's pool.
+    void SetPooledNamespace(std::string const* uri);
+    void ReleaseNamespace();
 
     CXmlDocument const* m_document;
     CXmlElement* m_nextSibling = nullptr;
@@ -143,8 +149,12 @@ private:
     AttributeList m_attributes;           // owned, in document order
     std::string m_text;
     std::string m_localName;
-    std::string m_namespaceURI;
+    // Most elements of a document share a few URIs, too long to be kept
+    // without a heap block each: a parsed element points at its pool's copy,
+    // one built on the heap at a copy of its own.
+    std::string const* m_namespaceURI;
     CNodePool* m_pool = nullptr;  // null: children and attributes on the heap
+    bool m_ownsNamespaceURI = false;
 };
 
 class CXmlDocument : private CInstanceMonitor {
@@ -207,7 +217,10 @@ private:
     CXmlSerializationContext const* m_context;
     CNodePool* m_nodePool = nullptr;  // made with the first element
 
+    friend class CExpatReader;
     CNodePool* NodePool();
+    // Makes the document element or a child of the open element, and opens it.
+    CXmlElement* OpenElement();
 };
 
 // ---------------------------------------------------------------------------
@@ -242,8 +255,8 @@ private:
     void FreeParser();
     // Expat's UTF-8 into the local code page, written to out.
     void ToLocalCodePage(char const* text, unsigned long length, bool useScratch, std::string& out);
-    // Converts an expanded name "uri|local" into m_uri and m_local.
-    void SplitName(char const* name, bool useScratch);
+    // The pool's copy of an element URI, given as expat's UTF-8.
+    std::string const* ElementNamespace(char const* uri, unsigned long length);
 
     CXmlDocument* m_document;
     unsigned char* m_scratch = nullptr;  // conversion room: 128 wide, then 512 narrow characters
@@ -254,6 +267,10 @@ private:
     std::string m_uri;
     std::string m_local;
     std::string m_value;
+    // The last element URI, as expat gave it and as kept by the pool: the
+    // elements of a document mostly repeat the URI of the one before.
+    std::string m_lastRawURI;
+    std::string const* m_lastURI = nullptr;
     std::exception_ptr m_failure;
 };
 

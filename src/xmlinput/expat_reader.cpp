@@ -6,6 +6,7 @@
 
 #include "kdbind/binding.h"
 #include "kdbind/xmlinput.h"
+#include "xmlinput/node_pool.h"
 
 namespace KdBind {
 
@@ -138,36 +139,55 @@ void CExpatReader::ToLocalCodePage(char const* text, unsigned long length, bool 
         out = CEncoder::Utf8ToLocalCodePage(bytes, static_cast<int>(length));
 }
 
-// What stands before the first vertical bar is the URI; a URI that holds a
-// bar itself is thus cut there, and the rest goes to the local name.
-void CExpatReader::SplitName(char const* name, bool useScratch)
+std::string const* CExpatReader::ElementNamespace(char const* uri, unsigned long length)
 {
-    char const* const bar = strchr(name, '|');
-    if (!bar) {
-        m_uri.clear();
-        ToLocalCodePage(name, strlen(name), useScratch, m_local);
-        return;
-    }
-    ToLocalCodePage(name, static_cast<unsigned long>(bar - name), useScratch, m_uri);
-    ToLocalCodePage(bar + 1, strlen(bar + 1), useScratch, m_local);
+    if (length == 0)
+        return &NoNamespaceURI();
+    if (m_lastURI && m_lastRawURI.size() == length && memcmp(m_lastRawURI.data(), uri, length) == 0)
+        return m_lastURI;
+    std::string converted;
+    ToLocalCodePage(uri, length, true, converted);
+    std::string const* const kept = converted.empty() ? &NoNamespaceURI() : m_document->NodePool()->Intern(std::move(converted));
+    m_lastRawURI.assign(uri, length);
+    m_lastURI = kept;
+    return kept;
 }
 
 void CExpatReader::FnStartElement(void* userData, char const* name, char const** attributes)
 {
     Guarded(userData, [&](CExpatReader& reader) {
-        CXmlDocument& document = *reader.m_document;
-        reader.SplitName(name, true);
-        CXmlElement* const element = document.GetDocumentElement()
-                                         ? document.AddChildElement(reader.m_uri.c_str(), reader.m_local.c_str())
-                                         : document.AddDocElement(reader.m_uri.c_str(), reader.m_local.c_str());
+        // What stands before the first vertical bar is the URI; a URI that
+        // holds a bar itself is thus cut there, and the rest goes to the
+        // local name.
+        char const* const bar = strchr(name, '|');
+        char const* const local = bar ? bar + 1 : name;
+        std::string const* const uri =
+            bar ? reader.ElementNamespace(name, static_cast<unsigned long>(bar - name)) : &NoNamespaceURI();
+        reader.ToLocalCodePage(local, strlen(local), true, reader.m_local);
+        CXmlElement* const element = reader.m_document->OpenElement();
+        element->SetPooledNamespace(uri);
+        element->m_localName.swap(reader.m_local);
+
         std::size_t count = 0;
         while (attributes[2 * count])
             ++count;
         element->ReserveAttributes(count);
+        // Built in place and moved into the attribute: most are short
+        // enough to need no heap block at all.
         for (char const** attribute = attributes; attribute[0]; attribute += 2) {
-            reader.SplitName(attribute[0], false);
-            reader.ToLocalCodePage(attribute[1], strlen(attribute[1]), false, reader.m_value);
-            CXmlDocument::AddElementAttribute(element, reader.m_local, reader.m_value, reader.m_uri);
+            std::string attributeURI;
+            std::string attributeName;
+            std::string value;
+            char const* const attributeBar = strchr(attribute[0], '|');
+            if (attributeBar) {
+                reader.ToLocalCodePage(attribute[0], static_cast<unsigned long>(attributeBar - attribute[0]), false,
+                                       attributeURI);
+                reader.ToLocalCodePage(attributeBar + 1, strlen(attributeBar + 1), false, attributeName);
+            } else {
+                reader.ToLocalCodePage(attribute[0], strlen(attribute[0]), false, attributeName);
+            }
+            reader.ToLocalCodePage(attribute[1], strlen(attribute[1]), false, value);
+            element->AddAttribute(std::move(attributeName), std::move(value), std::move(attributeURI));
         }
     });
 }
@@ -206,7 +226,13 @@ void CExpatReader::FnText(void* userData, char const* text, int length)
             return;
         auto const count = static_cast<unsigned long>(length);
         if (IsPlainAscii(text, count)) {
-            CXmlDocument::AppendTextExcludingCR(stack.back(), text, count);
+            // expat has already turned line ends into line feeds, so a
+            // carriage return is rare: only a character reference makes one.
+            // Nor does it ever report a zero byte.
+            if (!memchr(text, '\r', count))
+                stack.back()->AppendText(text, length);
+            else
+                CXmlDocument::AppendTextExcludingCR(stack.back(), text, count);
             return;
         }
         reader.ToLocalCodePage(text, count, true, reader.m_value);

@@ -22,6 +22,12 @@ namespace KdBind {
 // Under the address sanitizer, memory of the pool that holds no live node
 // is poisoned, so that a node used after its deletion is still caught.
 
+std::string const& NoNamespaceURI()
+{
+    static std::string const empty;
+    return empty;
+}
+
 struct CNodePool::Block {
     Block* next;
     std::size_t size;

@@ -3,8 +3,13 @@
 #define KDBIND_SRC_XMLINPUT_NODE_POOL_H
 
 #include <cstddef>
+#include <string>
+#include <unordered_set>
 
 namespace KdBind {
+
+// The URI of the nodes in no namespace, shared by all of them.
+std::string const& NoNamespaceURI();
 
 // A document allocates hundreds of thousands of small nodes and frees them
 // all at once; the general heap spends more time on that than the parser
@@ -36,6 +41,10 @@ public:
     // The document lets go; the pool goes as soon as no node is left.
     void Release();
 
+    // One copy of each namespace URI of the document's elements, kept as
+    // long as the nodes that point at it.
+    std::string const* Intern(std::string&& uri) { return &*m_uris.insert(std::move(uri)).first; }
+
 private:
     struct Block;
     struct Slot;
@@ -52,6 +61,7 @@ private:
     std::size_t m_nextBlockSize = 64 * 1024;
     unsigned long m_live = 0;
     bool m_released = false;
+    std::unordered_set<std::string> m_uris;
 };
 
 } // namespace KdBind

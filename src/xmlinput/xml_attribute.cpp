@@ -13,6 +13,12 @@ CXmlAttribute::CXmlAttribute(std::string const& name, std::string const& value, 
 {
 }
 
+CXmlAttribute::CXmlAttribute(std::string&& name, std::string&& value, std::string&& uri)
+    : CInstanceMonitor("CXmlAttribute"), m_localName(std::move(name)), m_value(std::move(value)),
+      m_namespaceURI(std::move(uri))
+{
+}
+
 CXmlAttribute::~CXmlAttribute() = default;
 
 static_assert(alignof(CXmlAttribute) <= CNodePool::kAlignment, "the node pool can hold it");

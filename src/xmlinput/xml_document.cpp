@@ -135,6 +135,21 @@ CXmlElement* CXmlDocument::AddChildElement(char const* uri, char const* name)
     return element;
 }
 
+CXmlElement* CXmlDocument::OpenElement()
+{
+    if (!m_documentElement) {
+        CNodePool* const pool = NodePool();
+        m_documentElement = new (pool) CXmlElement(this, pool);
+        m_elementStack.push_back(m_documentElement);
+        return m_documentElement;
+    }
+    if (m_elementStack.empty())
+        throw CKdInvalidStateException("No open element to add a child element to");
+    CXmlElement* const element = m_elementStack.back()->CreateNewChildElement();
+    m_elementStack.push_back(element);
+    return element;
+}
+
 // The document element has no parent to be taken from: when the callback
 // consumes it, it stays in the document all the same.
 void CXmlDocument::EndElement()

@@ -7,10 +7,13 @@
 
 namespace KdBind {
 
-CXmlElement::CXmlElement(CXmlDocument const* document) : CInstanceMonitor("CXmlElement"), m_document(document) {}
+CXmlElement::CXmlElement(CXmlDocument const* document)
+    : CInstanceMonitor("CXmlElement"), m_document(document), m_namespaceURI(&NoNamespaceURI())
+{
+}
 
 CXmlElement::CXmlElement(CXmlDocument const* document, CNodePool* pool)
-    : CInstanceMonitor("CXmlElement"), m_document(document), m_pool(pool)
+    : CInstanceMonitor("CXmlElement"), m_document(document), m_namespaceURI(&NoNamespaceURI()), m_pool(pool)
 {
 }
 
@@ -45,6 +48,37 @@ CXmlElement::~CXmlElement()
     }
     for (CXmlAttribute* attribute : m_attributes)
         delete attribute;
+    ReleaseNamespace();
+}
+
+void CXmlElement::SetNamespace(std::string&& uri)
+{
+    if (m_ownsNamespaceURI) {
+        *const_cast<std::string*>(m_namespaceURI) = std::move(uri);
+        return;
+    }
+    if (uri.empty())
+        m_namespaceURI = &NoNamespaceURI();
+    else if (m_pool)
+        m_namespaceURI = m_pool->Intern(std::move(uri));
+    else {
+        m_namespaceURI = new std::string(std::move(uri));
+        m_ownsNamespaceURI = true;
+    }
+}
+
+void CXmlElement::SetPooledNamespace(std::string const* uri)
+{
+    ReleaseNamespace();
+    m_namespaceURI = uri;
+}
+
+void CXmlElement::ReleaseNamespace()
+{
+    if (m_ownsNamespaceURI)
+        delete m_namespaceURI;
+    m_namespaceURI = &NoNamespaceURI();
+    m_ownsNamespaceURI = false;
 }
 
 std::string const& CXmlElement::GetAttribute(std::string const& name, std::string const& uri) const
@@ -81,6 +115,17 @@ void CXmlElement::AppendText(char const* text)
 void CXmlElement::AddAttribute(std::string const& name, std::string const& value, std::string const& uri)
 {
     CXmlAttribute* const attribute = new (m_pool) CXmlAttribute(name, value, uri);
+    try {
+        m_attributes.push_back(attribute);
+    } catch (...) {
+        delete attribute;
+        throw;
+    }
+}
+
+void CXmlElement::AddAttribute(std::string&& name, std::string&& value, std::string&& uri)
+{
+    CXmlAttribute* const attribute = new (m_pool) CXmlAttribute(std::move(name), std::move(value), std::move(uri));
     try {
         m_attributes.push_back(attribute);
     } catch (...) {

@@ -131,16 +131,26 @@ TEST(ElementTreeTest, NodesAreUnlinkedOutliveTheirDocumentAndGoWithoutRecursion)
     CXmlElement* kept = nullptr;
     {
         CXmlDocument loaded;
-        loaded.LoadXml("<r><a x='1'>t</a><b y='2'>u<c/></b></r>");
+        loaded.LoadXml("<r xmlns='urn:kdbind:a-uri-too-long-for-the-string'><a x='1'>t</a><b y='2'>u<c/></b></r>");
         kept = loaded.GetDocumentElement()->RemoveLastChildElement();
         loaded.LoadXml("<s/>");
     }
     EXPECT_EQ(kept->GetAttribute("y", ""), "2");
     EXPECT_EQ(kept->GetText(), "u");
+    EXPECT_EQ(kept->GetNamespaceURI(), "urn:kdbind:a-uri-too-long-for-the-string");
+    EXPECT_EQ(kept->GetFirstElement()->GetNamespaceURI(), kept->GetNamespaceURI());
     kept->CreateNewChildElement()->AddAttribute("z", "3", "");
+    kept->SetNamespace(kept->GetNamespaceURI() + ":changed");  // from a reference to the old URI
+    EXPECT_EQ(kept->GetNamespaceURI(), "urn:kdbind:a-uri-too-long-for-the-string:changed");
+    EXPECT_EQ(kept->GetFirstElement()->GetNamespaceURI(), "urn:kdbind:a-uri-too-long-for-the-string");
     delete kept;
     CXmlElement* loose = new CXmlElement(nullptr);  // outside any document: on the heap
     loose->CreateNewChildElement()->AddAttribute("a", "1", "");
+    for (char const* uri : {"urn:kdbind:a-uri-too-long-for-the-string", "urn:kdbind:another-uri-of-some-length", ""}) {
+        loose->SetNamespace(uri);
+        EXPECT_EQ(loose->GetNamespaceURI(), uri);
+    }
+    loose->SetNamespace(std::string("urn:kdbind:a-uri-too-long-for-the-string"));
     delete loose;
 
     // Far deeper than the stack could bear if destruction recursed.
