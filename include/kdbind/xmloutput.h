@@ -37,7 +37,7 @@ public:
         m_current[m_used++] = c;
         ++m_total;
     }
-    void Append(char const* text);
+    void Append(char const* text) { Append(text, static_cast<unsigned long>(strlen(text))); }
     void Append(std::string const& text) { Append(text.c_str()); }
     // Appends exactly length bytes.
     void Append(char const* text, unsigned long length)

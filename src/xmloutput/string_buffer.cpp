@@ -38,15 +38,14 @@ void CStringBuffer::Empty()
 
 void CStringBuffer::AddNewBlock()
 {
-    char* block = new char[m_blockSize + 1]();
+    // Not cleared: GetText writes the terminator when it hands the text out.
+    char* block = new char[m_blockSize + 1];
     m_blocks.push_back(block);
     m_blockSizes.push_back(m_blockSize);
     m_current = block;
     m_used = 0;
     m_capacity = m_blockSize;
 }
-
-void CStringBuffer::Append(char const* text) { Append(text, static_cast<unsigned long>(strlen(text))); }
 
 void CStringBuffer::AppendAcrossBlocks(char const* text, unsigned long length)
 {
@@ -76,8 +75,10 @@ char* CStringBuffer::GetText()
     static char empty[1] = {0};
     if (m_blocks.empty())
         return empty;
-    if (m_blocks.size() == 1)
-        return m_blocks.front();
+    if (m_blocks.size() == 1) {
+        m_current[m_used] = '\0';
+        return m_current;
+    }
     unsigned long const total = m_total;
     char* joined = new char[total + 1];
     char* out = joined;
