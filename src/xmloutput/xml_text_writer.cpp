@@ -12,6 +12,17 @@ char const kSchemaInstanceNamespace[] = "http://www.w3.org/2001/XMLSchema-instan
 char const kCDataStart[] = "<![CDATA[";
 constexpr size_t kCDataStartLength = sizeof(kCDataStart) - 1;
 constexpr unsigned long kFlushThreshold = 4095;
+
+// The bytes PadAndAppend stops at: the terminator, line ends and the escaped ones.
+struct StopBytes {
+    bool stop[256];
+    constexpr StopBytes() : stop()
+    {
+        for (unsigned char c : "\n\r\"&<>")  // the literal's own terminator included
+            stop[c] = true;
+    }
+};
+constexpr StopBytes kStopBytes;
 } // namespace
 
 CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
@@ -236,6 +247,8 @@ void CXmlTextWriter::PadAndAppend(char const* text)
             m_stream.Append(run, static_cast<unsigned long>(end - run));
     };
     for (char const* p = text;; ++p) {
+        while (!kStopBytes.stop[static_cast<unsigned char>(*p)])
+            ++p;
         char const* replacement;
         switch (*p) {
         case '\0': flushRun(p); return;
