@@ -147,6 +147,159 @@ struct RealForm {
 RealForm const kR4Form = {7, "%.7g", "The value [%s] can not be converted to a r4"};
 RealForm const kR8Form = {16, "%.16g", "The value [%s] can not be converted to a r8"};
 
+// "%.<precision>g" of a double by exact integer arithmetic, for the common
+// range where value * 10^k fits 128 bits: magnitudes of about 1e-4 to 2^64.
+// Writes at most 24 characters and answers their count, or 0 for a value it
+// leaves to the general printer. Ties round to even, as printf does.
+size_t PrintGeneralExactly(double value, int precision, char* out)
+{
+    static std::uint64_t const kPowers10[20] = {1ULL,
+                                                10ULL,
+                                                100ULL,
+                                                1000ULL,
+                                                10000ULL,
+                                                100000ULL,
+                                                1000000ULL,
+                                                10000000ULL,
+                                                100000000ULL,
+                                                1000000000ULL,
+                                                10000000000ULL,
+                                                100000000000ULL,
+                                                1000000000000ULL,
+                                                10000000000000ULL,
+                                                100000000000000ULL,
+                                                1000000000000000ULL,
+                                                10000000000000000ULL,
+                                                100000000000000000ULL,
+                                                1000000000000000000ULL,
+                                                10000000000000000000ULL};
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    int const biased = static_cast<int>((bits >> 52) & 0x7ff);
+    if (biased == 0 || biased == 0x7ff || precision < 1 || precision > 17)
+        return 0;
+    if ((bits >> 63) != 0) {
+        *out = '-';
+        size_t const length = PrintGeneralExactly(-value, precision, out + 1);
+        return length ? length + 1 : 0;
+    }
+    std::uint64_t const mantissa = (bits & ((std::uint64_t(1) << 52) - 1)) | (std::uint64_t(1) << 52);
+    int const binaryExponent = biased - 1075;  // value = mantissa * 2^binaryExponent
+    if (binaryExponent > 11 || binaryExponent < -116)
+        return 0;
+    typedef unsigned __int128 Wide;
+    // value * 10^k rounded to an integer; false when that leaves 64 bits or
+    // needs a division this does not do.
+    auto scaled = [&](int k, std::uint64_t& result) {
+        if (k > 19 || k < -19)
+            return false;
+        if (binaryExponent >= 0) {
+            std::uint64_t const whole = mantissa << binaryExponent;  // below 2^64
+            if (k >= 0) {
+                Wide const product = Wide(whole) * kPowers10[k];
+                if (product >> 64)
+                    return false;
+                result = static_cast<std::uint64_t>(product);
+                return true;
+            }
+            std::uint64_t const divisor = kPowers10[-k];
+            std::uint64_t quotient = whole / divisor;
+            std::uint64_t const rest = whole % divisor;
+            if (rest > divisor - rest || (rest == divisor - rest && (quotient & 1) != 0))
+                ++quotient;
+            result = quotient;
+            return true;
+        }
+        if (k < 0)
+            return false;
+        int const shift = -binaryExponent;
+        Wide const product = Wide(mantissa) * kPowers10[k];
+        Wide quotient = product >> shift;
+        Wide const rest = product & ((Wide(1) << shift) - 1);
+        Wide const half = Wide(1) << (shift - 1);
+        if (rest > half || (rest == half && (quotient & 1) != 0))
+            ++quotient;
+        if (quotient >> 64)
+            return false;
+        result = static_cast<std::uint64_t>(quotient);
+        return true;
+    };
+    std::uint64_t const low = kPowers10[precision - 1];
+    std::uint64_t const high = low * 10;
+    // floor(log10(2^(binaryExponent + 52))): the exponent or one below it.
+    int decimalExponent = ((binaryExponent + 52) * 78913) >> 18;
+    std::uint64_t digits = 0;
+    for (int attempt = 0;; ++attempt) {
+        int const k = precision - 1 - decimalExponent;
+        if (attempt == 3 || !scaled(k, digits))
+            return 0;
+        if (digits >= high) {
+            if (digits == high) {  // rounded up to the next power of ten
+                digits = low;
+                ++decimalExponent;
+                break;
+            }
+            ++decimalExponent;
+        } else if (digits < low) {
+            --decimalExponent;
+        } else {
+            // Exactly the lowest digits may have been rounded up from the
+            // decade below; they stand only if that decade rounds up to here.
+            if (digits == low) {
+                std::uint64_t below;
+                if (!scaled(k + 1, below))
+                    return 0;
+                if (below < high) {
+                    digits = below;
+                    --decimalExponent;
+                }
+            }
+            break;
+        }
+    }
+    char text[20];
+    for (int i = precision - 1; i >= 0; --i) {
+        text[i] = static_cast<char>('0' + digits % 10);
+        digits /= 10;
+    }
+    int significant = precision;  // without the trailing zeros %g drops
+    while (significant > 1 && text[significant - 1] == '0')
+        --significant;
+    char* p = out;
+    if (decimalExponent >= -4 && decimalExponent < precision) {
+        if (decimalExponent >= 0) {
+            int const whole = decimalExponent + 1;
+            std::memcpy(p, text, static_cast<size_t>(whole));
+            p += whole;
+            if (significant > whole) {
+                *p++ = '.';
+                std::memcpy(p, text + whole, static_cast<size_t>(significant - whole));
+                p += significant - whole;
+            }
+        } else {
+            *p++ = '0';
+            *p++ = '.';
+            for (int i = -1; i > decimalExponent; --i)
+                *p++ = '0';
+            std::memcpy(p, text, static_cast<size_t>(significant));
+            p += significant;
+        }
+    } else {
+        *p++ = text[0];
+        if (significant > 1) {
+            *p++ = '.';
+            std::memcpy(p, text + 1, static_cast<size_t>(significant - 1));
+            p += significant - 1;
+        }
+        *p++ = 'e';
+        *p++ = decimalExponent < 0 ? '-' : '+';
+        int const magnitude = decimalExponent < 0 ? -decimalExponent : decimalExponent;
+        *p++ = static_cast<char>('0' + magnitude / 10);
+        *p++ = static_cast<char>('0' + magnitude % 10);
+    }
+    return static_cast<size_t>(p - out);
+}
+
 // A text longer than the buffer is cut off, as the library always has.
 template <class Real, size_t BufferSize>
 std::string RealText(RealForm const& form, Real value, char const* format)
@@ -160,6 +313,9 @@ std::string RealText(RealForm const& form, Real value, char const* format)
     char buffer[BufferSize];
     double const widened = value;
     if (format == nullptr) {
+        // Most values print faster by integer arithmetic than by to_chars.
+        if (size_t const length = PrintGeneralExactly(widened, form.defaultPrecision, buffer))
+            return std::string(buffer, length);
         // The same text as the default format in the "C" locale, without
         // parsing a format; it always fits.
         std::to_chars_result const printed = std::to_chars(

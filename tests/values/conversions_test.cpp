@@ -150,6 +150,32 @@ TEST(ConversionsTest, DefaultRealFormsMatchThePrintfFormats)
             snprintf(expected, sizeof expected, "%.7g", static_cast<double>(r4));
             ASSERT_EQ(C::r4ToString(r4), expected);
         }
+    }    // Random bits seldom give the everyday magnitudes, which take another
+    // path: amounts in cents, integers past the precision, ties of the last
+    // digit, powers of ten and their neighbours, and small fractions.
+    std::vector<double> everyday = {0.5, 2.5, 1e-4, 9.99999999999999999e-5, 1e15, 1e16, 1e17, 1e19,
+                                    12345678901234565.0, 1234567.5, 0.1 + 0.2, 9.3, 9999999999999999.0};
+    for (int i = 0; i < 100000; ++i) {
+        std::uint64_t const bits = random();
+        int const kind = static_cast<int>(bits % 5);
+        double const sign = (bits & 0x100) ? -1.0 : 1.0;
+        if (kind == 0)
+            everyday.push_back(sign * static_cast<double>(bits >> 20) / 100.0);
+        else if (kind == 1)
+            everyday.push_back(sign * static_cast<double>(bits >> (bits % 40)));
+        else if (kind == 2)
+            everyday.push_back(sign * static_cast<double>((bits >> 12) % 1000000) / (1 << (bits % 30)));
+        else if (kind == 3)
+            everyday.push_back(sign * std::ldexp(static_cast<double>(bits >> 11), -static_cast<int>(bits % 130)));
+        else
+            everyday.push_back(std::nextafter(std::pow(10.0, static_cast<int>(bits % 40) - 20), (bits & 1) ? 0.0 : 1e30));
+    }
+    for (double const r8 : everyday) {
+        snprintf(expected, sizeof expected, "%.16g", r8);
+        ASSERT_EQ(C::r8ToString(r8), expected) << r8;
+        float const r4 = static_cast<float>(r8);
+        snprintf(expected, sizeof expected, "%.7g", static_cast<double>(r4));
+        ASSERT_EQ(C::r4ToString(r4), expected) << r4;
     }
 }
 
