@@ -88,6 +88,13 @@ void CXmlTextWriter::WriteNamespaceDeclaration(std::string const& prefix, std::s
 std::string const& CXmlTextWriter::PrefixInScope(std::string const& uri, bool& isNew)
 {
     NamespaceMap const& scope = *m_context->GetNamespaceMap();
+    // Elements mostly share their parent's namespace and scope: the prefix the
+    // parent found in this very map is the answer without a search.
+    CXmlWriterContext const* parent = m_context->m_parent;
+    if (parent && parent->m_prefix && parent->m_prefixScope == &scope && parent->m_uri == uri) {
+        isNew = false;
+        return *parent->m_prefix;
+    }
     auto const known = scope.find(uri);
     isNew = known == scope.end();
     if (!isNew)

@@ -171,17 +171,17 @@ TEST_F(XmlTextWriterTest, AnEndedScopeDoesNotReachLaterElements)
                         "<AA:a xmlns:AA=\"urn:one\"><b><AA:c/><AB:d xmlns:AB=\"urn:two\"/></b></AA:a></root>");
 }
 
-// The end tag takes the prefix the element's scope has when it ends, even
-// one given after the start tag, in the element's own map or in a copy.
-TEST_F(XmlTextWriterTest, EndTagsTakeThePrefixInScopeAtTheEnd)
+// A prefix given after a start tag, in the element's own map or in a copy,
+// serves its children and its end tag.
+TEST_F(XmlTextWriterTest, APrefixGivenLateServesChildrenAndTheEndTag)
 {
     Open(false);
     Write({"<root", "<a urn:one", "<b urn:one"});
     writer.AddNamespace("r", "urn:one");
-    Write({"b", "/", "a"});
+    Write({"<c urn:one", "/", "b", "/", "a"});
     writer.AddNamespace("q", "urn:one");
-    Write({"/", "/"});
-    EXPECT_EQ(Output(), "<root><AA:a xmlns:AA=\"urn:one\"><AA:b>b</r:b>a</q:a></root>");
+    Write({"<d urn:one", "/", "/", "/"});
+    EXPECT_EQ(Output(), "<root><AA:a xmlns:AA=\"urn:one\"><AA:b><r:c/>b</r:b>a<q:d/></q:a></root>");
 }
 
 TEST_F(XmlTextWriterTest, PrologueItemsDoNotCloseTheStartTag)
