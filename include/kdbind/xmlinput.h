@@ -71,7 +71,7 @@ public:
 
     std::string const& GetLocalName() const { return m_localName; }
     std::string const& GetValue() const { return m_value; }
-    std::string const& GetNamespaceURI() const { return m_namespaceURI; }
+    std::string const& GetNamespaceURI() const { return *m_namespaceURI; }
     // Namespace declarations, xsi:type and the schema locations: attributes
     // that the binding must not take as data.
     bool IsNamespaceAttribute() const;
@@ -84,9 +84,16 @@ public:
     static void operator delete(void* node, CNodePool* pool);
 
 private:
+    friend class CXmlElement;
+    struct SharedURI {};
+    // uri is kept by the pool that holds the attribute, or is the empty string.
+    CXmlAttribute(std::string&& name, std::string&& value, std::string const* uri, SharedURI);
+
     std::string m_localName;
     std::string m_value;
-    std::string m_namespaceURI;
+    // Like an element's: shared in a parsed tree, else a copy of its own.
+    std::string const* m_namespaceURI;
+    bool m_ownsNamespaceURI;
 };
 
 class CXmlElement : private CInstanceMonitor {
@@ -139,8 +146,9 @@ private:
     // the same pool.
     CXmlElement(CXmlDocument const* document, CNodePool* pool);
     // uri is the empty string or one kept by this element's pool.
-    void SetPooledNamespace(std::string const* uri);
-    void ReleaseNamespace();
+    void SetPooledNamespace(std::string const* uri) { m_namespaceURI = uri; }
+    // Only an element on the heap has a URI of its own.
+    bool OwnsNamespaceURI() const;
 
     CXmlDocument const* m_document;
     CXmlElement* m_nextSibling = nullptr;
@@ -154,7 +162,6 @@ private:
     // one built on the heap at a copy of its own.
     std::string const* m_namespaceURI;
     CNodePool* m_pool = nullptr;  // null: children and attributes on the heap
-    bool m_ownsNamespaceURI = false;
 };
 
 class CXmlDocument : private CInstanceMonitor {

@@ -48,37 +48,22 @@ CXmlElement::~CXmlElement()
     }
     for (CXmlAttribute* attribute : m_attributes)
         delete attribute;
-    ReleaseNamespace();
+    if (OwnsNamespaceURI())
+        delete m_namespaceURI;
 }
+
+bool CXmlElement::OwnsNamespaceURI() const { return !m_pool && m_namespaceURI != &NoNamespaceURI(); }
 
 void CXmlElement::SetNamespace(std::string&& uri)
 {
-    if (m_ownsNamespaceURI) {
+    if (OwnsNamespaceURI())
         *const_cast<std::string*>(m_namespaceURI) = std::move(uri);
-        return;
-    }
-    if (uri.empty())
+    else if (uri.empty())
         m_namespaceURI = &NoNamespaceURI();
     else if (m_pool)
         m_namespaceURI = m_pool->Intern(std::move(uri));
-    else {
+    else
         m_namespaceURI = new std::string(std::move(uri));
-        m_ownsNamespaceURI = true;
-    }
-}
-
-void CXmlElement::SetPooledNamespace(std::string const* uri)
-{
-    ReleaseNamespace();
-    m_namespaceURI = uri;
-}
-
-void CXmlElement::ReleaseNamespace()
-{
-    if (m_ownsNamespaceURI)
-        delete m_namespaceURI;
-    m_namespaceURI = &NoNamespaceURI();
-    m_ownsNamespaceURI = false;
 }
 
 std::string const& CXmlElement::GetAttribute(std::string const& name, std::string const& uri) const
@@ -114,18 +99,19 @@ void CXmlElement::AppendText(char const* text)
 
 void CXmlElement::AddAttribute(std::string const& name, std::string const& value, std::string const& uri)
 {
-    CXmlAttribute* const attribute = new (m_pool) CXmlAttribute(name, value, uri);
-    try {
-        m_attributes.push_back(attribute);
-    } catch (...) {
-        delete attribute;
-        throw;
-    }
+    AddAttribute(std::string(name), std::string(value), std::string(uri));
 }
 
+// In a parsed tree the attribute shares its URI through the pool.
 void CXmlElement::AddAttribute(std::string&& name, std::string&& value, std::string&& uri)
 {
-    CXmlAttribute* const attribute = new (m_pool) CXmlAttribute(std::move(name), std::move(value), std::move(uri));
+    CXmlAttribute* attribute;
+    if (m_pool) {
+        std::string const* const shared = uri.empty() ? &NoNamespaceURI() : m_pool->Intern(std::move(uri));
+        attribute = new (m_pool) CXmlAttribute(std::move(name), std::move(value), shared, CXmlAttribute::SharedURI());
+    } else {
+        attribute = new CXmlAttribute(std::move(name), std::move(value), std::move(uri));
+    }
     try {
         m_attributes.push_back(attribute);
     } catch (...) {

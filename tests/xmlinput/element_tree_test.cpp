@@ -139,13 +139,15 @@ TEST(ElementTreeTest, NodesAreUnlinkedOutliveTheirDocumentAndGoWithoutRecursion)
     EXPECT_EQ(kept->GetText(), "u");
     EXPECT_EQ(kept->GetNamespaceURI(), "urn:kdbind:a-uri-too-long-for-the-string");
     EXPECT_EQ(kept->GetFirstElement()->GetNamespaceURI(), kept->GetNamespaceURI());
-    kept->CreateNewChildElement()->AddAttribute("z", "3", "");
+    kept->CreateNewChildElement()->AddAttribute("z", "3", "urn:kdbind:a-uri-too-long-for-the-string");
+    EXPECT_EQ(kept->GetFirstElement()->GetNextSiblingElement()->GetAttribute("z", kept->GetNamespaceURI()), "3");
     kept->SetNamespace(kept->GetNamespaceURI() + ":changed");  // from a reference to the old URI
     EXPECT_EQ(kept->GetNamespaceURI(), "urn:kdbind:a-uri-too-long-for-the-string:changed");
     EXPECT_EQ(kept->GetFirstElement()->GetNamespaceURI(), "urn:kdbind:a-uri-too-long-for-the-string");
     delete kept;
     CXmlElement* loose = new CXmlElement(nullptr);  // outside any document: on the heap
-    loose->CreateNewChildElement()->AddAttribute("a", "1", "");
+    loose->CreateNewChildElement()->AddAttribute("a", "1", "urn:kdbind:a-uri-too-long-for-the-string");
+    EXPECT_EQ(loose->GetFirstElement()->GetAttribute("a", "urn:kdbind:a-uri-too-long-for-the-string"), "1");
     for (char const* uri : {"urn:kdbind:a-uri-too-long-for-the-string", "urn:kdbind:another-uri-of-some-length", ""}) {
         loose->SetNamespace(uri);
         EXPECT_EQ(loose->GetNamespaceURI(), uri);

@@ -90,8 +90,11 @@ TEST(ExpatReaderTest, FailuresNameTheLineAndTheNextLoadDropsThePartialTree)
     EXPECT_EQ(LoadFailure("\xE0\x00\x00\x01"), "partial character at line 1");
 
     CXmlDocument document;
-    EXPECT_THROW(document.LoadXml("<r><a>"), CKdException);
+    // The partial tree has the text read before the failure, up to its end.
+    EXPECT_THROW(document.LoadXml("<r>one<a>two</a>three<b>four&#13;<c"), CKdException);
     ASSERT_NE(document.GetDocumentElement(), nullptr);
+    EXPECT_EQ(document.GetDocumentElement()->GetText(), "onethree");
+    EXPECT_EQ(document.GetDocumentElement()->GetFirstElement()->GetNextSiblingElement()->GetText(), "four");
     document.LoadXml("<s/>");
     EXPECT_EQ(document.GetDocumentElement()->GetLocalName(), "s");
     EXPECT_TRUE(document.GetElementStack().empty());
