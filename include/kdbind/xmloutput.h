@@ -166,10 +166,6 @@ public:
         std::string m_name;
         CXmlWriterContext* m_parent;
         bool m_hasAttributes = false;  // used by the binary writer only
-        // The prefix the start tag was written with and the map it stands in:
-        // the end tag reads it there as long as that map is still the scope.
-        NamespaceMap const* m_prefixScope = nullptr;
-        std::string const* m_prefix = nullptr;
 
     private:
         friend class CXmlWriter;
@@ -182,6 +178,12 @@ public:
         NamespaceMap* m_namespaces;
         bool m_inheritsScope;
         bool m_ownsMap;
+
+    public:
+        // The prefix the start tag was written with and the map it stands in:
+        // the end tag reads it there as long as that map is still the scope.
+        NamespaceMap const* m_prefixScope = nullptr;
+        std::string const* m_prefix = nullptr;
     };
 
     explicit CXmlWriter(char const* monitorName);

@@ -38,8 +38,7 @@ void CStringBuffer::Empty()
 
 void CStringBuffer::AddNewBlock()
 {
-    // Not cleared: GetText writes the terminator when it hands the text out.
-    char* block = new char[m_blockSize + 1];
+    char* block = new char[m_blockSize + 1]();
     m_blocks.push_back(block);
     m_blockSizes.push_back(m_blockSize);
     m_current = block;
@@ -75,10 +74,8 @@ char* CStringBuffer::GetText()
     static char empty[1] = {0};
     if (m_blocks.empty())
         return empty;
-    if (m_blocks.size() == 1) {
-        m_current[m_used] = '\0';
-        return m_current;
-    }
+    if (m_blocks.size() == 1)
+        return m_blocks.front();
     unsigned long const total = m_total;
     char* joined = new char[total + 1];
     char* out = joined;
