@@ -31,7 +31,8 @@ void CXmlWriterContext::Reuse(std::string const& name, std::string const& uri, C
     m_childCount = 0;
     m_startTagOpen = true;
     m_depth = parent->m_depth + 1;
-    m_uri = uri;
+    if (m_uri != uri)  // siblings mostly share their namespace
+        m_uri = uri;
     m_name = name;
     m_parent = parent;
     m_hasAttributes = false;
