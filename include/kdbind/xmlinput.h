@@ -262,6 +262,8 @@ private:
     void FreeParser();
     // Expat's UTF-8 into the local code page, written to out.
     void ToLocalCodePage(char const* text, unsigned long length, bool useScratch, std::string& out);
+    // The same, as a new string.
+    std::string Converted(char const* text, unsigned long length, bool useScratch);
     // The pool's copy of an element URI, given as expat's UTF-8.
     std::string const* ElementNamespace(char const* uri, unsigned long length);
 
