@@ -271,8 +271,8 @@ private:
     unsigned char* m_scratch = nullptr;  // conversion room: 128 wide, then 512 narrow characters
     unsigned long m_scratchSize = 0;
     XML_ParserStruct* m_parser = nullptr;
-    // Reused for every name and value, so that a parse allocates only for
-    // what the tree keeps.
+    // Reused for namespace declarations and converted text; the names and
+    // values that the tree keeps are built in place and moved into it.
     std::string m_uri;
     std::string m_local;
     std::string m_value;
