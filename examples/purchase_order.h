@@ -109,10 +109,21 @@ struct CClassTables {
 };
 
 // ---------------------------------------------------------------------------
+// What every class of the schema shares: its target namespace.
+// ---------------------------------------------------------------------------
+
+class CSchemaClass : public KdBind::CXmlGeneratedClass {
+public:
+    KdBind::CXmlObjectBase* GetBase() override { return this; }
+    std::string GetTargetNamespace() const override { return NAMESPACE; }
+    std::string GetNamespace() const override { return NAMESPACE; }
+};
+
+// ---------------------------------------------------------------------------
 // USAddress
 // ---------------------------------------------------------------------------
 
-class CUSAddress : public KdBind::CXmlGeneratedClass {
+class CUSAddress : public CSchemaClass {
 public:
     CUSAddress();
 
@@ -129,9 +140,6 @@ public:
     std::string const& GetCountry() const { return m_country; }
     void SetCountry(std::string const& value) { m_country = value; }
 
-    KdBind::CXmlObjectBase* GetBase() override { return this; }
-    std::string GetTargetNamespace() const override { return NAMESPACE; }
-    std::string GetNamespace() const override { return NAMESPACE; }
     void AccessProperty(int propertyId, bool readAccess, KdBind::KdVariant& value) override;
     KdBindData::CParentElementInfo* GetClassInfo() const override;
     KdBindData::CElementInfo** GetClassElementInfo() const override;
@@ -155,7 +163,7 @@ private:
 // OrderTotals: a model group, without a tag of its own.
 // ---------------------------------------------------------------------------
 
-class COrderTotals : public KdBind::CXmlGeneratedClass {
+class COrderTotals : public CSchemaClass {
 public:
     COrderTotals();
 
@@ -166,9 +174,6 @@ public:
     unsigned short GetItemCount() const { return m_itemCount; }
     void SetItemCount(unsigned short value) { m_itemCount = value; }
 
-    KdBind::CXmlObjectBase* GetBase() override { return this; }
-    std::string GetTargetNamespace() const override { return NAMESPACE; }
-    std::string GetNamespace() const override { return NAMESPACE; }
     void AccessProperty(int propertyId, bool readAccess, KdBind::KdVariant& value) override;
     KdBindData::CParentElementInfo* GetClassInfo() const override;
     KdBindData::CElementInfo** GetClassElementInfo() const override;
@@ -190,12 +195,7 @@ private:
 // An extension written under the element name "details" carries xsi:type.
 // ---------------------------------------------------------------------------
 
-class CProductDetails : public KdBind::CXmlGeneratedClass {
-public:
-    KdBind::CXmlObjectBase* GetBase() override { return this; }
-    std::string GetTargetNamespace() const override { return NAMESPACE; }
-    std::string GetNamespace() const override { return NAMESPACE; }
-
+class CProductDetails : public CSchemaClass {
 protected:
     CProductDetails() = default;
 };
@@ -249,7 +249,7 @@ private:
 // LineItem, and the collection of the repeating lineItem element.
 // ---------------------------------------------------------------------------
 
-class CLineItem : public KdBind::CXmlGeneratedClass {
+class CLineItem : public CSchemaClass {
 public:
     CLineItem();
 
@@ -266,9 +266,6 @@ public:
     std::optional<std::string> const& GetComment() const { return m_comment; }
     void SetComment(std::optional<std::string> value) { m_comment = std::move(value); }
 
-    KdBind::CXmlObjectBase* GetBase() override { return this; }
-    std::string GetTargetNamespace() const override { return NAMESPACE; }
-    std::string GetNamespace() const override { return NAMESPACE; }
     void AccessProperty(int propertyId, bool readAccess, KdBind::KdVariant& value) override;
     KdBindData::CParentElementInfo* GetClassInfo() const override;
     KdBindData::CElementInfo** GetClassElementInfo() const override;
@@ -314,7 +311,7 @@ protected:
 // PurchaseOrderType, the document element purchaseOrder.
 // ---------------------------------------------------------------------------
 
-class CPurchaseOrder : public KdBind::CXmlGeneratedClass {
+class CPurchaseOrder : public CSchemaClass {
 public:
     CPurchaseOrder();
 
@@ -333,9 +330,6 @@ public:
     std::optional<OrderStatus> const& GetStatus() const { return m_status; }
     void SetStatus(std::optional<OrderStatus> value) { m_status = value; }
 
-    KdBind::CXmlObjectBase* GetBase() override { return this; }
-    std::string GetTargetNamespace() const override { return NAMESPACE; }
-    std::string GetNamespace() const override { return NAMESPACE; }
     void AccessProperty(int propertyId, bool readAccess, KdBind::KdVariant& value) override;
     KdBindData::CParentElementInfo* GetClassInfo() const override;
     KdBindData::CElementInfo** GetClassElementInfo() const override;
