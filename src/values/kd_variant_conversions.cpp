@@ -61,15 +61,15 @@ KindConversion const kKinds[] = {
     Kind<&V::GetUI8, &V::SetUI8, &C::ui8ToString, &C::ui8FromString>(),                        // 10 ui8
     KindWithFormat<&V::GetR4, &V::SetR4, &C::r4ToString, &C::r4FromString>(),                  // 11 r4
     KindWithFormat<&V::GetR8, &V::SetR8, &C::r8ToString, &C::r8FromString>(),                  // 12 r8
-    NotYet(),                                                                                  // 13 duration
-    NotYet(),                                                                                  // 14 yearMonth
-    NotYet(),                                                                                  // 15 monthDay
+    Kind<&V::GetDuration, &V::SetDuration, &C::durationToString, &C::durationFromString>(),    // 13 duration
+    Kind<&V::GetYearMonth, &V::SetYearMonth, &C::yearMonthToString, &C::yearMonthFromString>(),// 14 yearMonth
+    Kind<&V::GetMonthDay, &V::SetMonthDay, &C::monthDayToString, &C::monthDayFromString>(),    // 15 monthDay
     Kind<&V::GetYear, &V::SetYear, &C::yearToString, &C::yearFromString>(),                    // 16 year
     Kind<&V::GetMonth, &V::SetMonth, &C::monthToString, &C::monthFromString>(),                // 17 month
     Kind<&V::GetDay, &V::SetDay, &C::dayToString, &C::dayFromString>(),                        // 18 day
-    NotYet(),                                                                                  // 19 date
-    NotYet(),                                                                                  // 20 datetime
-    NotYet(),                                                                                  // 21 time
+    Kind<&V::GetDate, &V::SetDate, &C::dateToString, &C::dateFromString>(),                    // 19 date
+    Kind<&V::GetDateTime, &V::SetDateTime, &C::datetimeToString, &C::datetimeFromString>(),    // 20 datetime
+    Kind<&V::GetTime, &V::SetTime, &C::timeToString, &C::timeFromString>(),                    // 21 time
     Kind<&V::GetChar, &V::SetChar, &C::charToString, &C::charFromString>(),                    // 22 char
     {&PrintString, &StorePayload<&V::SetString, &C::stringFromString>},                        // 23 string
     Kind<&V::GetBoolean, &V::SetBoolean, &C::booleanToString, &C::booleanFromString>(),        // 24 boolean
