@@ -1,4 +1,5 @@
 // Lexical forms of integer and decimal, through CBigInteger and CDecimal.
+#include <algorithm>
 #include <cstdlib>
 
 #include "kdbind/values.h"
@@ -16,20 +17,32 @@ std::string CConversions::decimalToString(CDecimal const& value, char const* for
     return value.ToString(static_cast<int>(std::strtol(format, nullptr, 10)));
 }
 
+namespace {
+
 // The parsers skip white space themselves, but not always as a rule would
-// (an integer stops at a line end), so any rule but none is applied first.
+// (an integer stops at a line end), so the rule is applied first. A text
+// without white space is left as it is by every rule, and that is the common
+// case: it is read in place. An unknown rule is left to ApplyRule to report.
+template <class Value>
+Value ReadRuled(std::string const& text, CWhitespaceUtils::WhitespaceRule rule)
+{
+    bool const knownRule = rule >= CWhitespaceUtils::WhitespaceRule_None && rule <= CWhitespaceUtils::WhitespaceRule_Collapse;
+    if (rule == CWhitespaceUtils::WhitespaceRule_None ||
+        (knownRule && std::none_of(text.begin(), text.end(), &CWhitespaceUtils::IsWhiteSpace)))
+        return Value(text.c_str());
+    return Value(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+}
+
+} // namespace
+
 CBigInteger CConversions::integerFromString(std::string const& text, WhitespaceRule rule)
 {
-    if (rule == CWhitespaceUtils::WhitespaceRule_None)
-        return CBigInteger(text.c_str());
-    return CBigInteger(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+    return ReadRuled<CBigInteger>(text, rule);
 }
 
 CDecimal CConversions::decimalFromString(std::string const& text, WhitespaceRule rule)
 {
-    if (rule == CWhitespaceUtils::WhitespaceRule_None)
-        return CDecimal(text.c_str());
-    return CDecimal(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+    return ReadRuled<CDecimal>(text, rule);
 }
 
 } // namespace KdBind

@@ -97,7 +97,10 @@ void CDecimal::Parse(char const* text)
     bool negative = false;
     bool negativeExponent = false;
     unsigned long exponent = 0;
-    for (size_t i = 0; text[i] != '\0'; ++i) {
+    size_t const length = std::strlen(text);
+    integerDigits.reserve(length);
+    fractionDigits.reserve(length);
+    for (size_t i = 0; i < length; ++i) {
         char const c = text[i];
         bool const isDigit = c >= '0' && c <= '9';
         switch (phase) {
