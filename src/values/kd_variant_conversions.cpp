@@ -73,8 +73,8 @@ KindConversion const kKinds[] = {
     Kind<&V::GetChar, &V::SetChar, &C::charToString, &C::charFromString>(),                    // 22 char
     {&PrintString, &StorePayload<&V::SetString, &C::stringFromString>},                        // 23 string
     Kind<&V::GetBoolean, &V::SetBoolean, &C::booleanToString, &C::booleanFromString>(),        // 24 boolean
-    NotYet(),                                                                                  // 25 decimal
-    NotYet(),                                                                                  // 26 integer
+    KindWithFormat<&V::GetDecimal, &V::SetDecimal, &C::decimalToString, &C::decimalFromString>(),  // 25 decimal
+    Kind<&V::GetInteger, &V::SetInteger, &C::integerToString, &C::integerFromString>(),            // 26 integer
 };
 
 constexpr int kKindCount = static_cast<int>(sizeof(kKinds) / sizeof(kKinds[0]));
