@@ -3,6 +3,7 @@
 #ifndef KDBIND_VALUES_H
 #define KDBIND_VALUES_H
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -83,7 +84,14 @@ public:
     // number of places for CDecimal::ToString(int).
     static std::string decimalToString(CDecimal const& value, char const* format = nullptr);
     // The wider value classes add their printers here as they join:
-    // integer, decimal, duration, yearMonth, monthDay, date, datetime, time.
+    // integer, decimal.
+    static std::string durationToString(CDateTimeSpan const& value);
+    // The date kinds print the XML form of the value's own type.
+    static std::string yearMonthToString(CDateTime const& value);
+    static std::string monthDayToString(CDateTime const& value);
+    static std::string dateToString(CDateTime const& value);
+    static std::string datetimeToString(CDateTime const& value);
+    static std::string timeToString(CDateTime const& value);
 
     static std::string stringFromString(std::string const& text, WhitespaceRule rule);
     static bool booleanFromString(std::string const& text, WhitespaceRule rule);
@@ -109,7 +117,15 @@ public:
     static CBigInteger integerFromString(std::string const& text, WhitespaceRule rule);
     static CDecimal decimalFromString(std::string const& text, WhitespaceRule rule);
     // The wider value classes add their parsers here as they join:
-    // integer, decimal, duration, datetime, date, time, yearMonth, monthDay.
+    // integer, decimal.
+    static CDateTimeSpan durationFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime datetimeFromString(std::string const& text, WhitespaceRule rule);
+    // date, yearMonth and monthDay read every date-only form, so the type of
+    // the result is that of the text.
+    static CDateTime dateFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime timeFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime yearMonthFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime monthDayFromString(std::string const& text, WhitespaceRule rule);
 };
 
 // Removes trailing "0" characters but never the first one: "100" -> "1".
@@ -382,6 +398,259 @@ public:
 
 private:
     CDataHolder* m_holder;
+};
+
+// ---------------------------------------------------------------------------
+// Dates and times: one class for the eight date and time types of XML
+// Schema, told apart by a type tag, and the duration. Both print and parse
+// by their own code, independent of the process's locale and time zone.
+// ---------------------------------------------------------------------------
+
+constexpr short MIN_YEAR = -9999;
+constexpr short MAX_YEAR = 9999;
+// The longest length of each month (February 29).
+extern int const g_monthMax[12];
+// The days before each month in a common year; the 13th entry is the year.
+extern int const g_monthDayInYear[13];
+
+// Negative years take the same test; there is no shift for the missing year zero.
+bool IsLeapYear(int year);
+
+// floor(a / b) in single precision, as the date arithmetic has always
+// computed it: inexact beyond about 16.7 million. A quotient outside the
+// range of int is pinned to its nearest end.
+int GetQuotient(long long a, int b);
+// a - b * GetQuotient(a, b), so it always agrees with the quotient.
+long long GetModulo(long long a, int b);
+
+class CDateTimeSpan;
+
+class CDateTime {
+public:
+    enum DTType {
+        dt_yearZero = 0,  // not set
+        dt_dateTime = 1,
+        dt_date = 2,
+        dt_gYearMonth = 3,
+        dt_gYear = 4,
+        dt_time = 5,
+        dt_gDay = 6,
+        dt_gMonth = 7,
+        dt_gMonthDay = 8
+    };
+
+    CDateTime();
+    explicit CDateTime(DTType type);
+    // The value constructors come back unset (dt_yearZero) when the fields
+    // are invalid, where the setters throw.
+    CDateTime(short year, unsigned char month, unsigned char day);
+    CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+              unsigned char second);
+    CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+              unsigned char second, unsigned short milli, unsigned short micro, unsigned short nano);
+    // Seconds of the epoch, as UTC.
+    CDateTime(long const& seconds);
+    // Parses a dateTime and lets the failure through.
+    CDateTime(char const* text);
+    CDateTime(CDateTime const&) = default;
+    CDateTime& operator=(CDateTime const&) = default;
+    virtual ~CDateTime();
+
+    // "dateTime", "date", ...; the empty string for a number above 8.
+    static std::string GetTypeAsString(DTType type);
+    std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
+    static CDateTime GetCurrentTime();
+
+    // Setters throw CKdInvalidStateException when the value already holds
+    // another type (Clear first), and CKdInvalidValueException when the
+    // fields are invalid; the failed fields then stay stored.
+    void SetDateTime(DTType type, short year, unsigned char month, unsigned char day, unsigned char hour,
+                     unsigned char minute, unsigned char second, unsigned short milli, unsigned short micro,
+                     unsigned short nano);
+    void SetDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+                     unsigned char second, unsigned short milli, unsigned short micro, unsigned short nano);
+    void SetDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+                     unsigned char second);
+    void SetDate(short year, unsigned char month, unsigned char day);
+    void SetGYearMonth(short year, unsigned char month);
+    void SetGYear(short year);
+    void SetGMonth(unsigned char month);
+    void SetGDay(unsigned char day);
+    void SetGMonthDay(unsigned char month, unsigned char day);
+    void SetTime(unsigned char hour, unsigned char minute, unsigned char second, unsigned short milli,
+                 unsigned short micro, unsigned short nano);
+    void SetTime(unsigned char hour, unsigned char minute, unsigned char second);
+    void SetFracTime(unsigned short milli, unsigned short micro, unsigned short nano);
+    // Copies source under the type to, when source holds enough for it;
+    // fields the new type does not hold keep the source's numbers.
+    void SetDateTime(CDateTime const& source, DTType to);
+    bool CheckConversion(DTType from, DTType to) const;
+
+    void Clear();
+    DTType GetType() const { return m_type; }
+    void Validate() const;
+
+    // IsUTC: a zone is present ("Z" or an offset). HasTimeZone: a numeric
+    // offset is present, "+00:00" included.
+    bool IsUTC() const { return m_utc; }
+    bool HasTimeZone() const { return m_hasTimeZone; }
+    void SetUTC();
+    // The sign of the offset lies in the hour alone.
+    void SetTimeZone(short hour, unsigned char minute);
+    short GetZoneHour() const;
+    unsigned char GetZoneMinute() const;
+
+    // Accessors throw CKdInvalidStateException for a field the type does not hold.
+    short GetYear() const;
+    unsigned char GetMonth() const;
+    unsigned char GetDay() const;
+    unsigned char GetHour() const;
+    unsigned char GetMinute() const;
+    unsigned char GetSecond() const;
+    double GetRealSecond() const;
+    unsigned short GetMilliSecond() const;
+    unsigned short GetMicroSecond() const;
+    unsigned short GetNanoSecond() const;
+    // In a leap year January and February carry the extra day, so 1 March is
+    // day 60 in any year.
+    unsigned short GetDayOfYear() const;
+    unsigned char GetDayOfWeek() const;
+
+    CDateTime& operator=(long const& seconds);
+    // Seconds of the epoch of a dateTime or date, after normalisation to UTC.
+    long GetTime() const;
+
+    // Text. ToString() is ToString("s"), the XML form; any unknown format
+    // gives "Unknown Format: " and the format.
+    std::string ToString(char const* format) const;
+    std::string ToString() const { return ToString("s"); }
+    // The type comes from the shape of the text.
+    void ParseXSDDate(char const* text);
+    void ParseXSDTime(char const* text);
+    void ParseXSDDateTime(char const* text);
+    // The working parsers: they neither clear nor validate.
+    void SetXSDDate(char const* text);
+    void SetXSDTime(char const* text);
+    void SetZone(char const* text);
+
+    // Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
+    CDateTime GetNormalized() const;
+    int CompareTo(CDateTime const& other) const;
+    bool operator==(CDateTime const& other) const { return CompareTo(other) == 0; }
+    bool operator!=(CDateTime const& other) const { return CompareTo(other) != 0; }
+    bool operator<(CDateTime const& other) const { return CompareTo(other) == 1; }
+    bool operator<=(CDateTime const& other) const;
+    bool operator>(CDateTime const& other) const { return CompareTo(other) == 2; }
+    bool operator>=(CDateTime const& other) const;
+
+    // Arithmetic. The result is not validated: 2004-01-31 plus P1M is 2004-02-31.
+    void AddDateTimeSpan(CDateTimeSpan const& span);
+    CDateTime& operator+=(CDateTimeSpan const& span);
+    CDateTime& operator-=(CDateTimeSpan const& span);
+    CDateTime operator+(CDateTimeSpan const& span) const;
+    CDateTime operator-(CDateTimeSpan const& span) const;
+    // The difference of two dates is not computed: a zero span.
+    CDateTimeSpan operator-(CDateTime const& other) const;
+
+private:
+    // Formats the XML form into out (at least 64 bytes); returns its length.
+    size_t FormatXml(char* out) const;
+    void SetXSDDate(char const* text, size_t length);
+    void SetXSDTime(char const* text, size_t length);
+    void SetZone(char const* text, size_t length);
+
+    DTType m_type;
+    short m_year;  // negative: before the common era
+    unsigned char m_month;
+    unsigned char m_day;
+    unsigned char m_hour;
+    unsigned char m_minute;
+    unsigned char m_second;
+    // The fraction of a second as three groups of three digits, 0 to 999 each.
+    unsigned short m_milli;
+    unsigned short m_micro;
+    unsigned short m_nano;
+    bool m_utc;          // a zone is present
+    bool m_hasTimeZone;  // the zone is a numeric offset
+    short m_zoneHour;    // -23 to 23, with the offset's sign
+    unsigned char m_zoneMinute;  // 0 to 59, no sign of its own
+};
+
+// 0 equal, 1 less, 2 greater, 3 indeterminate, field by field and without
+// regard to zones. Months are taken from a for both sides.
+int Compare(CDateTime const& a, CDateTime const& b);
+
+// xsd:duration: a sign and separate counts, never normalised into one
+// another since a month has no fixed length.
+class CDateTimeSpan {
+public:
+    CDateTimeSpan();
+    CDateTimeSpan(unsigned long hours, unsigned long long minutes, unsigned long long seconds);
+    CDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                  unsigned long long minutes, unsigned long long seconds);
+    CDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                  unsigned long long minutes, unsigned long long seconds, unsigned short milli,
+                  unsigned short micro, unsigned short nano);
+    CDateTimeSpan(CDateTimeSpan const&) = default;
+    CDateTimeSpan& operator=(CDateTimeSpan const&) = default;
+    virtual ~CDateTimeSpan();
+
+    // Each clears first: the span is then positive and the fields left out zero.
+    void SetDateTimeSpan(unsigned long hours, unsigned long long minutes, unsigned long long seconds);
+    void SetDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                         unsigned long long minutes, unsigned long long seconds);
+    void SetDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                         unsigned long long minutes, unsigned long long seconds, unsigned short milli,
+                         unsigned short micro, unsigned short nano);
+    void Clear();
+
+    unsigned short GetYears() const { return m_years; }
+    unsigned long GetMonths() const { return m_months; }
+    unsigned long GetDays() const { return m_days; }
+    unsigned long GetHours() const { return m_hours; }
+    unsigned long long GetMinutes() const { return m_minutes; }
+    unsigned long long GetSeconds() const { return m_seconds; }
+    unsigned short GetMilliSeconds() const { return m_milli; }
+    unsigned short GetMicroSeconds() const { return m_micro; }
+    unsigned short GetNanoSeconds() const { return m_nano; }
+    void SetYears(unsigned short value) { m_years = value; }
+    void SetMonths(unsigned long value) { m_months = value; }
+    void SetDays(unsigned long value) { m_days = value; }
+    void SetHours(unsigned long value) { m_hours = value; }
+    void SetMinutes(unsigned long long value) { m_minutes = value; }
+    void SetSeconds(unsigned long long value) { m_seconds = value; }
+    void SetMilliSeconds(unsigned short value) { m_milli = value; }
+    void SetMicroSeconds(unsigned short value) { m_micro = value; }
+    void SetNanoSeconds(unsigned short value) { m_nano = value; }
+
+    bool IsNegative() const { return m_negative; }
+    void Negate() { m_negative = !m_negative; }
+    // A negative copy; the copy of a negative span stays negative.
+    CDateTimeSpan GetAsNegative() const;
+
+    // The zero span prints "P", which the parser refuses.
+    std::string ToString() const;
+    void ParseXSDDuration(char const* text);
+
+    // Ordered by adding both to four reference dates: 0 equal, 1 less,
+    // 2 greater, 3 indeterminate.
+    int CompareTo(CDateTimeSpan const& other) const;
+    bool operator<(CDateTimeSpan const& other) const { return CompareTo(other) == 1; }
+    bool operator>(CDateTimeSpan const& other) const { return CompareTo(other) == 2; }
+    bool operator==(CDateTimeSpan const& other) const { return CompareTo(other) == 0; }
+    bool operator!=(CDateTimeSpan const& other) const { return CompareTo(other) != 0; }
+
+private:
+    unsigned short m_years;
+    unsigned long m_months;
+    unsigned long m_days;
+    unsigned long m_hours;
+    unsigned long long m_minutes;
+    unsigned long long m_seconds;
+    unsigned short m_milli;  // the fraction of a second in groups of three digits
+    unsigned short m_micro;
+    unsigned short m_nano;
+    bool m_negative;  // the sign of the whole span
 };
 
 // ---------------------------------------------------------------------------
