@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kdbind/runtime.h"
 
@@ -77,6 +79,10 @@ public:
     static std::string stringToString(std::string const& value);
     static std::string hexBinaryToString(CBinaryData const& value);
     static std::string base64BinaryToString(CBinaryData const& value);
+    static std::string integerToString(CBigInteger const& value);
+    // A null format prints every fractional digit; any other is read as a
+    // number of places for CDecimal::ToString(int).
+    static std::string decimalToString(CDecimal const& value, char const* format = nullptr);
     // The wider value classes add their printers here as they join:
     // integer, decimal.
     static std::string durationToString(CDateTimeSpan const& value);
@@ -108,6 +114,8 @@ public:
     static unsigned char dayFromString(std::string const& text, WhitespaceRule rule);
     static CBinaryData hexBinaryFromString(std::string const& text, WhitespaceRule rule);
     static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
+    static CBigInteger integerFromString(std::string const& text, WhitespaceRule rule);
+    static CDecimal decimalFromString(std::string const& text, WhitespaceRule rule);
     // The wider value classes add their parsers here as they join:
     // integer, decimal.
     static CDateTimeSpan durationFromString(std::string const& text, WhitespaceRule rule);
@@ -128,6 +136,226 @@ std::string PadZero(int value, unsigned char width);
 // The fraction of a second in its shortest form with its point, ".5" for
 // 500 ms; the empty string when all three groups are zero.
 std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano);
+
+// ---------------------------------------------------------------------------
+// Exact numbers: integers of any size (xsd:integer and its relatives) and
+// decimals (xsd:decimal).
+// ---------------------------------------------------------------------------
+
+// An integer of any size: a sign and its decimal digits.
+//
+// Zero normally has sign +1, but "-0" and a product with zero keep -1 on it:
+// == calls such a zero equal to 0 while < and > order by sign first, so -0 is
+// less than 0. A text ending in a line break parses to an empty digit vector,
+// which prints "0" and is not == 0.
+//
+// The conversions from double, text and CDecimal are explicit, and so is the
+// one to int (it throws when out of range): with both directions implicit,
+// `value == 0` would be ambiguous.
+class CBigInteger {
+public:
+    // One decimal digit (the number 0-9, not a character) per element, least
+    // significant first. Values made by the operations have no high-order
+    // zeros; zero is the single digit 0.
+    typedef std::vector<char> Digits;
+
+    CBigInteger();
+    CBigInteger(int value);
+    // Rounds to the nearest whole number, halves towards zero. A NaN gives the
+    // empty digit vector; an infinity throws CKdOverFlowException.
+    explicit CBigInteger(double value);
+    // Parse.
+    explicit CBigInteger(char const* text);
+    // The decimal rounded to a whole number by ChangeFractionalDivider(0).
+    explicit CBigInteger(CDecimal const& value);
+    CBigInteger(CBigInteger const& other) = default;
+    CBigInteger(CBigInteger&& other) noexcept = default;
+    CBigInteger& operator=(CBigInteger const& other) = default;
+    CBigInteger& operator=(CBigInteger&& other) noexcept = default;
+    virtual ~CBigInteger();
+
+    void Abs() { m_sign = 1; }
+    // -1 becomes +1, anything else -1.
+    void Negate() { m_sign = m_sign == -1 ? 1 : -1; }
+    CBigInteger GetAbs() const;
+    CBigInteger GetNegative() const;
+    // Negates this object in place and returns it: no copy is made.
+    CBigInteger& operator-();
+
+    // Leading and trailing blanks are stripped and a first "-" makes the value
+    // negative; then only the trailing run of digits counts ("12-34" is 34).
+    // A text holding any character but digits, signs, blanks, tabs and line
+    // ends is read as a CDecimal and rounded, so "12.9" is 13 and "1.7E+308"
+    // is 17 followed by 307 zeros; its failures are the decimal's.
+    void Parse(char const* text);
+    std::string ToString() const;
+
+    CBigInteger& operator+=(CBigInteger const& other);
+    CBigInteger& operator-=(CBigInteger const& other);
+    CBigInteger& operator*=(CBigInteger const& other);
+    // The guards differ on purpose: / refuses a zero divisor, the other three
+    // a negative one (and, since it has no quotient, zero as well). All throw
+    // CKdInvalidValueException. Quotients truncate towards zero; a remainder
+    // has the sign of the dividend.
+    CBigInteger& operator/=(CBigInteger const& other);
+    CBigInteger& operator%=(CBigInteger const& other);
+    CBigInteger operator+(CBigInteger const& other) const;
+    CBigInteger operator-(CBigInteger const& other) const;
+    CBigInteger operator*(CBigInteger const& other) const;
+    CBigInteger operator/(CBigInteger const& other) const;
+    CBigInteger operator%(CBigInteger const& other) const;
+
+    bool operator==(CBigInteger const& other) const;
+    bool operator!=(CBigInteger const& other) const { return !(*this == other); }
+    bool operator<(CBigInteger const& other) const;
+    bool operator>(CBigInteger const& other) const;
+    bool operator<=(CBigInteger const& other) const { return !(*this > other); }
+    bool operator>=(CBigInteger const& other) const { return !(*this < other); }
+
+    // The truncated square root; a negative value and zero throw.
+    CBigInteger SquareRoot() const;
+    // Throws CKdInvalidValueException outside the range of a 32-bit int.
+    explicit operator int() const;
+
+    // Magnitude operations on digit vectors. The result arguments may be the
+    // same vectors as the operands.
+    // -1, 0 or 1; a shorter vector is the smaller.
+    static int Compare(Digits const& a, Digits const& b);
+    // The length, but 1 for an empty vector.
+    static int Position(Digits const& digits);
+    // Removes high-order zeros, always keeping the lowest element.
+    static void Clean(Digits& digits);
+    // Multiplies by 10 to the n; nothing for n below 1.
+    static void ShiftLeft(Digits& digits, int n);
+    static void Build(unsigned int value, Digits& digits);
+    static void BuildDWORDLONG(unsigned long long value, Digits& digits);
+    static void BuildDouble(double magnitude, Digits& digits);
+    // The trailing run of digits of the text, Clean-ed.
+    static void Build(std::string const& text, Digits& digits);
+    static void Add(Digits const& a, Digits const& b, Digits& result);
+    // a - b for a at least b.
+    static void Subtract(Digits const& a, Digits const& b, Digits& result);
+    static void Multiply(Digits const& a, char digit, Digits& result);
+    static void Multiply(Digits const& a, Digits const& b, Digits& result);
+    // A zero divisor throws CKdInvalidValueException.
+    static void Divide(Digits const& a, Digits const& b, Digits& quotient, Digits& remainder);
+    static void Pow10(unsigned int n, Digits& digits);
+    static CBigInteger Pow10(unsigned int n);
+
+    // Bounds of the conversions of CDecimal. MAX_LONG and MIN_LONG are the
+    // 32-bit bounds whatever the platform's long.
+    static CBigInteger const MAX_LONG;
+    static CBigInteger const MIN_LONG;
+    static CBigInteger const MAX_LONGLONG;
+    static CBigInteger const MIN_LONGLONG;
+    static CBigInteger const MAX_DOUBLE;
+    static CBigInteger const MIN_DOUBLE;
+
+private:
+    friend class CDecimal;
+
+    CBigInteger(int sign, Digits&& digits) : m_sign(sign), m_digits(std::move(digits)) {}
+    bool IsZero() const { return m_digits.size() == 1 && m_digits[0] == 0; }
+    // Signed quotient and remainder behind the operators' guards.
+    static void DivideSigned(CBigInteger const& dividend, CBigInteger const& divisor, CBigInteger* quotient,
+                             CBigInteger* remainder);
+    void AddSigned(CBigInteger const& other, int otherSign);
+
+    int m_sign;  // +1 or -1
+    Digits m_digits;
+};
+
+// An exact decimal: an integer part, a fractional part (the digits after the
+// point read as an integer) and the count of fractional digits it stands
+// for. Both parts carry the value's sign, so -1.5 is -1 and -5, and -0.5 is
+// a zero integer part with sign -1 and -5.
+//
+// Sums are exact; products, quotients and parsed texts keep at most
+// m_maxDivider fractional digits. Rounding, by ChangeFractionalDivider,
+// sends an exact half towards zero. The arithmetic and comparison operators
+// take and change copies, never their operands.
+class CDecimal {
+public:
+    static constexpr int m_maxDivider = 30;
+
+    CDecimal();
+    CDecimal(int value);
+    CDecimal(CBigInteger const& value);
+    CDecimal(CBigInteger const& integerPart, CBigInteger const& fraction, int digitCount);
+    // Parse.
+    explicit CDecimal(char const* text);
+    // The value printed with 13 fractional digits, then parsed; a NaN or an
+    // infinity throws the parser's failure.
+    explicit CDecimal(double value);
+    CDecimal(CDecimal const& other) = default;
+    CDecimal(CDecimal&& other) noexcept = default;
+    CDecimal& operator=(CDecimal const& other) = default;
+    CDecimal& operator=(CDecimal&& other) noexcept = default;
+    virtual ~CDecimal();
+
+    // Reads digits, a point and an exponent ("1.5E-3"). White space is
+    // skipped anywhere before the exponent's digits, and signs may stand
+    // anywhere in the integer part, the last one winning ("1-2" is -12).
+    // A refused character throws CKdInvalidValueException naming its
+    // position, and leaves the value as it was.
+    void Parse(char const* text);
+    // Every fractional digit; no point for a whole value.
+    std::string ToString() const;
+    // Adds one half of a unit (not of the last place) away from zero, then
+    // cuts the fraction to `places` digits; the point is always written.
+    std::string ToString(int places) const;
+
+    void Negate();
+    CDecimal GetNegative() const;
+    // Brings the value to digitCount fractional digits, rounding as above. A
+    // carry that fills the fraction is not passed on: 0.999 at two digits
+    // holds a fraction of 100 and prints "0.100".
+    void ChangeFractionalDivider(int digitCount);
+    // Raises the one with fewer fractional digits; returns the common count.
+    static int Normalize(CDecimal& a, CDecimal& b);
+    // Removes trailing zeros from the fraction.
+    void Rationalise();
+
+    CDecimal operator+(CDecimal const& other) const;
+    CDecimal operator-(CDecimal const& other) const;
+    CDecimal operator*(CDecimal const& other) const;
+    // Truncated at m_maxDivider + 2 places, then rounded. A zero divisor
+    // throws CKdInvalidValueException.
+    CDecimal operator/(CDecimal const& other) const;
+    CDecimal& operator+=(CDecimal const& other);
+    CDecimal& operator-=(CDecimal const& other);
+    CDecimal& operator*=(CDecimal const& other);
+    CDecimal& operator/=(CDecimal const& other);
+    CDecimal& operator++();
+    CDecimal& operator--();
+    // The postfix forms return the stepped copy and leave the object as it was.
+    CDecimal operator++(int) const;
+    CDecimal operator--(int) const;
+
+    bool operator==(CDecimal const& other) const;
+    bool operator!=(CDecimal const& other) const { return !(*this == other); }
+    bool operator<(CDecimal const& other) const;
+    bool operator>(CDecimal const& other) const;
+    bool operator<=(CDecimal const& other) const { return !(*this > other); }
+    bool operator>=(CDecimal const& other) const { return !(*this < other); }
+
+    CBigInteger ToBigInteger() const;
+    // Rounds; throws CKdOverFlowException outside the 32-bit range.
+    long ToLong() const;
+    // Truncates; throws CKdOverFlowException outside the 64-bit range.
+    long long ToLongLong() const;
+    // Throws CKdOverFlowException when the integer part passes 1.7E+308.
+    double ToDouble() const;
+
+private:
+    CDecimal(CBigInteger&& integerPart, CBigInteger&& fraction, int digitCount);
+    // Rationalise, then round to m_maxDivider places when there are more.
+    void Settle();
+
+    CBigInteger m_integer;
+    CBigInteger m_fraction;
+    int m_digitCount;  // fractional digits m_fraction stands for; 1 for a whole value
+};
 
 // ---------------------------------------------------------------------------
 // Binary data: the value of hexBinary and base64Binary and the library's byte

@@ -55,8 +55,8 @@ PayloadOwnership const kOwnership[] = {
     Inline(),                       // 22 char
     Owned<std::string>(),           // 23 string
     Inline(),                       // 24 boolean
-    Inline(),                       // 25 decimal
-    Inline(),                       // 26 integer
+    Owned<CDecimal>(),              // 25 decimal
+    Owned<CBigInteger>(),           // 26 integer
     Counted<CXmlObjectBase>(),      // 27 xmlObject
     Counted<CXmlCollectionBase>(),  // 28 xmlCollection
 };
@@ -163,6 +163,30 @@ void KdVariant::SetString(std::string value)
 {
     std::string* copy = new std::string(std::move(value));
     Reset(ItemType_string).string = copy;
+}
+
+void KdVariant::SetDecimal(CDecimal const& value)
+{
+    CDecimal* copy = new CDecimal(value);
+    Reset(ItemType_decimal).decimal = copy;
+}
+
+void KdVariant::SetInteger(CBigInteger const& value)
+{
+    CBigInteger* copy = new CBigInteger(value);
+    Reset(ItemType_integer).integer = copy;
+}
+
+CDecimal KdVariant::GetDecimal() const
+{
+    CDecimal const* value = PayloadOf(m_type, m_value.decimal, {ItemType_decimal});
+    return value ? *value : CDecimal();
+}
+
+CBigInteger KdVariant::GetInteger() const
+{
+    CBigInteger const* value = PayloadOf(m_type, m_value.integer, {ItemType_integer});
+    return value ? *value : CBigInteger();
 }
 
 void KdVariant::SetXmlObject(CXmlObjectBase* value)
