@@ -11,6 +11,22 @@ CKdException::CKdException(std::string message, CKdException const& inner)
 {
 }
 
+CKdException::CKdException(std::string message, CKdException&& inner)
+    : m_message(std::move(message)), m_inner(nullptr)
+{
+    // The inner is cloned while it holds no chain, so nothing behind it is
+    // copied; the chain then moves over to the clone.
+    CKdException* chain = inner.m_inner;
+    inner.m_inner = nullptr;
+    try {
+        m_inner = inner.Clone();
+    } catch (...) {
+        inner.m_inner = chain;
+        throw;
+    }
+    m_inner->m_inner = chain;
+}
+
 CKdException::CKdException(CKdException const& other)
     : m_message(other.m_message), m_inner(other.m_inner ? other.m_inner->Clone() : nullptr)
 {
@@ -18,8 +34,16 @@ CKdException::CKdException(CKdException const& other)
 
 CKdException::~CKdException()
 {
-    delete m_inner;
+    // Link by link, so that a chain as long as a document is deep needs no
+    // stack in proportion.
+    CKdException* inner = m_inner;
     m_inner = nullptr;
+    while (inner) {
+        CKdException* next = inner->m_inner;
+        inner->m_inner = nullptr;
+        delete inner;
+        inner = next;
+    }
 }
 
 CKdException* CKdException::Clone() const { return new CKdException(*this); }
