@@ -179,6 +179,7 @@ CXmlWriterContext* CXmlWriter::PushContext(std::string const& name, std::string 
 void CXmlWriter::PopContext()
 {
     CXmlWriterContext* ended = m_context;
+    assert(ended);  // the writers check for an open element before they pop one
     m_context = ended->m_parent;
     if (m_context) {
         // The scope it owns goes now; a document element is not kept, as it
