@@ -32,8 +32,9 @@ build: configure
 test: build
 	@ctest --test-dir $(BUILD_DIR) --output-on-failure -j$(JOBS)
 
+# The demo's text is UTF-8, so it runs under a UTF-8 locale.
 demo: build
-	@$(BUILD_DIR)/examples/kdbind_demo
+	@LC_ALL=C.UTF-8 $(BUILD_DIR)/examples/kdbind_demo
 
 bench: deps
 	@cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DKDBIND_BUILD_BENCH=ON -DKDBIND_BUILD_TESTS=OFF >/dev/null
