@@ -40,7 +40,13 @@ void CStringBuffer::Empty()
 
 void CStringBuffer::AddNewBlock()
 {
-    char* block = new char[m_blockSize + 1]();
+    // Room in both lists first, so that once the block exists nothing can
+    // fail and lose it.
+    if (m_blocks.size() == m_blocks.capacity())
+        m_blocks.reserve(CheckedSum(m_blocks.size(), m_blocks.size() + 4));
+    if (m_blockSizes.size() == m_blockSizes.capacity())
+        m_blockSizes.reserve(m_blocks.capacity());
+    char* block = new char[CheckedSum(m_blockSize, 1UL)]();
     m_blocks.push_back(block);
     m_blockSizes.push_back(m_blockSize);
     m_current = block;
