@@ -112,8 +112,11 @@ public:
     std::string GetFullMessage() const;
 
 private:
+    // A copy of the chain that starts at first, made link by link.
+    static CKdException* CloneChain(CKdException const* first);
+
     std::string m_message;
-    CKdException* m_inner;  // owned; a chain of any length, destroyed without recursion
+    CKdException* m_inner;  // owned; a chain of any length, copied and destroyed without recursion
 };
 
 #define KDBIND_DECLARE_EXCEPTION(Name, Base)                                   \

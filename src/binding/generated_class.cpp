@@ -1,6 +1,6 @@
 // CXmlGeneratedClass: the output walk over a generated class's metadata.
 #include "kdbind/metadata.h"
-#include "binding/nesting_depth.h"
+#include "binding/nesting_level.h"
 
 using namespace KdBindData;
 

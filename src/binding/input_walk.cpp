@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "kdbind/metadata.h"
-#include "binding/nesting_depth.h"
+#include "binding/nesting_level.h"
 
 using namespace KdBindData;
 

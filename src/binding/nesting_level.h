@@ -1,6 +1,6 @@
 // How deep the walks of this thread stand, one object inside the other.
-#ifndef KDBIND_SRC_BINDING_NESTING_DEPTH_H
-#define KDBIND_SRC_BINDING_NESTING_DEPTH_H
+#ifndef KDBIND_SRC_BINDING_NESTING_LEVEL_H
+#define KDBIND_SRC_BINDING_NESTING_LEVEL_H
 
 #include "kdbind/binding.h"
 

@@ -1,6 +1,6 @@
 #include <cassert>
 
-#include "binding/nesting_depth.h"
+#include "binding/nesting_level.h"
 
 namespace KdBind {
 
