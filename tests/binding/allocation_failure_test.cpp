@@ -18,7 +18,7 @@ TEST(AllocationFailureTest, EveryFailedAllocationOfAReadOrWriteFailsItCleanly)
                      "<details xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='BookDetails'>"
                      "<author>A</author><isbn>1</isbn></details></lineItem>" +
                      kLineItem + kTotals,
-                 "orderDate='d' status='shipped'");
+                 "orderDate='2004-01-02' status='shipped'");
     std::string expected;
     {
         CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();  // builds the tables before the runs
