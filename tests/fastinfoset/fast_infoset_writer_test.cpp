@@ -396,3 +396,37 @@ TEST(FastInfosetWriterTest, TypeAttributesAndDroppedMarkup)
               }),
               "3C 00 72 78 00 61 40 31 FF");
 }
+
+TEST(FastInfosetWriterTest, LongFormsOfIndexesAndLengths)
+{
+    LocaleScope locale("C.UTF-8");
+    ASSERT_TRUE(locale.Available());
+    // Enough names and values for the two- and three-octet index forms, and
+    // texts long enough for every length form; the other decoder reads them.
+    auto calls = [](CXmlWriter& w) {
+        w.AddNamespace("p", "urn:p");
+        w.WriteStartElement("root", "urn:p");
+        for (int pass = 0; pass < 2; ++pass) {
+            for (int i = 0; i < 2100; ++i) {
+                std::string const n = std::to_string(i);
+                w.WriteStartElement("e" + n, i % 2 ? "urn:p" : "");
+                w.WriteAttributeString("a" + n, i % 3 ? "" : "urn:p", "v" + n, ItemType_string);
+                w.WriteString("t" + n, ItemType_string);
+                w.WriteEndElement();
+            }
+        }
+        for (size_t length : {7, 9, 64, 65, 258, 259, 264, 265, 320, 321, 70000}) {
+            std::string text(length, 'x');
+            text.replace(0, 3, "\xC3\xA9z");  // UTF-8 on both sides
+            w.WriteStartElement("long", "");
+            w.WriteAttributeString("v", "", text, ItemType_string);
+            w.WriteString(text, ItemType_string);
+            w.WriteEndElement();
+        }
+        w.WriteEndElement();
+    };
+    std::string const document = WriteFastInfoset(calls);
+    ExportForInterop("long_forms", document, WriteText(calls));
+    // The longest text as a chunk: F0 before it, then the four-octet length 70000 - 259.
+    EXPECT_NE(document.find(std::string("\x83\x00\x01\x10\x6D\xC3\xA9z", 8)), std::string::npos);
+}

@@ -12,6 +12,10 @@ namespace {
 
 struct PurchaseOrderFastInfosetTest : ::testing::Test {
     static void TearDownTestSuite() { CleanMetaData(); }
+    // The comment holds UTF-8 text, which both writers must read as such.
+    void SetUp() override { ASSERT_TRUE(m_locale.Available()); }
+
+    LocaleScope m_locale{"C.UTF-8"};
 
     // Details stand under another class's name, which takes a type
     // attribute: see TypeAttributeBorrowsTheTypesPrefix for why documents
@@ -62,8 +66,6 @@ struct PurchaseOrderFastInfosetTest : ::testing::Test {
 
 TEST_F(PurchaseOrderFastInfosetTest, WritesTheDocumentFrameAndIsSmallerThanText)
 {
-    LocaleScope locale("C.UTF-8");
-    ASSERT_TRUE(locale.Available());
     CXmlSerializationContext const context = Context();
     CSmartPtr<CPurchaseOrder> order = Order(50);
     std::string const fastInfoset = Bytes(order->ToFastInfosetStream(FInfoDecl_10_Encoding, context));
