@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "kdbind/xmlinput.h"
@@ -330,6 +331,24 @@ private:
     // how far the discriminators are shifted.
     void EncodedCharacterString(unsigned char bits, std::string const& text, ItemType type, bool fromBit5);
     std::string const& PrefixForUri(std::string const& uri);
+    // The index of text in map, or 0 when it is new; a new text is entered
+    // with the next index in the same search while the map has room, and
+    // the entry is returned so that a failed literal can take it out again.
+    static IndexMap::iterator LookUpOrEnter(IndexMap& map, std::string const& text, unsigned long& index);
+    // The index of a qualified name in map, as the map answers. Leaves the
+    // name's key in m_key when it is not found.
+    bool FindQName(IndexMap const& map, std::string const& prefix, std::string const& uri, std::string const& local,
+                   unsigned long& index);
+
+    // Element and attribute names found before, by local name, with the
+    // index the map gave: an index never changes, so the cache answers as
+    // the map does, without building a key and searching the ordered map.
+    struct CachedName {
+        std::string uri;
+        std::string prefix;
+        unsigned long index;
+    };
+    using NameCache = std::unordered_map<std::string, std::vector<CachedName>>;
 
     static constexpr unsigned long kBufferSize = 16384;
 
@@ -343,6 +362,8 @@ private:
     unsigned char m_buffer[kBufferSize];
     unsigned long m_used = 0;
     std::string m_key;  // scratch for qualified-name keys
+    NameCache m_elementNameCache;
+    NameCache m_attributeNameCache;
 };
 
 } // namespace KdBind

@@ -265,14 +265,38 @@ void CFastInfosetWriter::NamespacePart(std::string const& uri)
     NamePart(uri, known, index, &CFIVocabulary::AddNamespaceName);
 }
 
+bool CFastInfosetWriter::FindQName(IndexMap const& map, std::string const& prefix, std::string const& uri,
+                                   std::string const& local, unsigned long& index)
+{
+    NameCache* const cache = &map == &m_vocabulary->GetElementNamesMap()     ? &m_elementNameCache
+                             : &map == &m_vocabulary->GetAttributeNamesMap() ? &m_attributeNameCache
+                                                                             : nullptr;
+    if (cache) {
+        auto const found = cache->find(local);
+        if (found != cache->end()) {
+            for (CachedName const& name : found->second) {
+                if (name.uri == uri && name.prefix == prefix) {
+                    index = name.index;
+                    return true;
+                }
+            }
+        }
+    }
+    CFIVocabulary::MakeQNameKey(prefix, uri, local, m_key);
+    if (!CFIVocabulary::FindIndex(map, m_key, index))
+        return false;
+    if (cache)
+        (*cache)[local].push_back(CachedName{uri, prefix, index});
+    return true;
+}
+
 void CFastInfosetWriter::QualifiedNameOrIndex(unsigned char bits, unsigned char literal,
                                               void (CFastInfosetWriter::*integer)(unsigned char, unsigned long),
                                               std::string const& prefix, std::string const& uri,
                                               std::string const& local, IndexMap& map)
 {
-    CFIVocabulary::MakeQNameKey(prefix, uri, local, m_key);
     unsigned long index = 0;
-    if (CFIVocabulary::FindIndex(map, m_key, index)) {
+    if (FindQName(map, prefix, uri, local, index)) {
         (this->*integer)(bits, index);
         return;
     }
@@ -365,6 +389,34 @@ void CFastInfosetWriter::EncodedCharacterStringBit5(unsigned char bits, std::str
     EncodedCharacterString(bits, text, type, true);
 }
 
+CFastInfosetWriter::IndexMap::iterator CFastInfosetWriter::LookUpOrEnter(IndexMap& map, std::string const& text,
+                                                                          unsigned long& index)
+{
+    index = 0;
+    if (map.size() > FI_TABLE_LIMIT - 1) {  // full: found or not, nothing is added
+        CFIVocabulary::FindIndex(map, text, index);
+        return map.end();
+    }
+    auto const entry = map.try_emplace(text, static_cast<unsigned long>(map.size() + 1));
+    if (!entry.second) {
+        index = entry.first->second;
+        return map.end();
+    }
+    return entry.first;
+}
+
+// A new value is entered before its literal is written, so that one search
+// serves both, and taken out again when the literal fails: the map ends as
+// if it had been added after.
+#define KDBIND_WRITE_LITERAL_OR_FORGET(map, entered, write) \
+    try {                                                   \
+        write;                                              \
+    } catch (...) {                                         \
+        if ((entered) != (map).end())                       \
+            (map).erase(entered);                           \
+        throw;                                              \
+    }
+
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string const& text, IndexMap& map,
                                                          unsigned long limit, ItemType type)
 {
@@ -372,17 +424,17 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string const& text
         Integer0To2pw20Bit2(0x80, 0);
         return;
     }
-    if (text.size() < limit) {
-        unsigned long index = 0;
-        if (CFIVocabulary::FindIndex(map, text, index)) {
-            Integer1To2pw20Bit2(0x80, index);
-            return;
-        }
-        EncodedCharacterStringBit3(0x40, text, type);  // add to the table
-        CFIVocabulary::AddValueToMap(text, map);
+    if (text.size() >= limit) {
+        EncodedCharacterStringBit3(0, text, type);  // the map is neither searched nor changed
         return;
     }
-    EncodedCharacterStringBit3(0, text, type);
+    unsigned long index;
+    auto const entered = LookUpOrEnter(map, text, index);
+    if (index != 0) {
+        Integer1To2pw20Bit2(0x80, index);
+        return;
+    }
+    KDBIND_WRITE_LITERAL_OR_FORGET(map, entered, EncodedCharacterStringBit3(0x40, text, type))  // add to the table
 }
 
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(unsigned char bits, std::string const& text,
@@ -392,14 +444,15 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(unsigned char bits, std
         EncodedCharacterStringBit5(bits, text, type);
         return;
     }
-    unsigned long index = 0;
-    if (CFIVocabulary::FindIndex(map, text, index)) {
+    unsigned long index;
+    auto const entered = LookUpOrEnter(map, text, index);
+    if (index != 0) {
         Integer1To2pw20Bit4(bits | 0x20, index);
         return;
     }
-    EncodedCharacterStringBit5(bits | 0x10, text, type);
-    CFIVocabulary::AddValueToMap(text, map);
+    KDBIND_WRITE_LITERAL_OR_FORGET(map, entered, EncodedCharacterStringBit5(bits | 0x10, text, type))
 }
+#undef KDBIND_WRITE_LITERAL_OR_FORGET
 
 CBinaryData CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long index, char const* text)
 {
@@ -555,15 +608,26 @@ void CFastInfosetWriter::WriteElement(bool attributes)
     std::string const& uri = element->m_uri;
     static std::string const noPrefix;
     std::string const* prefix = &noPrefix;
-    if (!uri.empty() && uri != element->GetDefaultNamespace()) {
-        NamespaceMap* const namespaces = element->GetNamespaceMap();
+    CXmlWriterContext const* const parent = element->m_parent;
+    NamespaceMap* namespaces = element->GetNamespaceMap();
+    if (parent && parent->m_prefix && parent->m_prefixScope == namespaces && parent->m_uri == uri) {
+        // The parent's answer: the same scope, so the same default namespace
+        // and the same map entry, read where it stands.
+        prefix = parent->m_prefix;
+    } else if (!uri.empty() && uri != element->GetDefaultNamespace()) {
         auto const found = namespaces->find(uri);
         if (found != namespaces->end()) {
             prefix = &found->second;
         } else {
             element->SetNamespaceMapValue(uri, GetUniquePrefix(*namespaces));
+            namespaces = element->GetNamespaceMap();  // the element may have taken a scope of its own
             prefix = &element->NamespaceMapValue(uri);
         }
+    }
+    if (prefix != &noPrefix) {
+        // Entries are never removed, so the pointer holds while the scope lives.
+        element->m_prefixScope = namespaces;
+        element->m_prefix = prefix;
     }
     QualifiedNameOrIndexBit3(first, *prefix, uri, element->m_name, m_vocabulary->GetElementNamesMap());
     m_context = element;
