@@ -374,6 +374,13 @@ TEST(FastInfosetWriterTest, TypeAttributesAndDroppedMarkup)
               }),
               "7C 00 72 7B 01 41 41 28 68 74 74 70 3A 2F 2F 77 77 77 2E 77 33 2E 6F 72 67 2F 32 30 30 31 2F 58 4D 4C "
               "53 63 68 65 6D 61 2D 69 6E 73 74 61 6E 63 65 03 74 79 70 65 40 54 F0 FF");
+    // With the schema-instance namespace declared, that type travels.
+    InteropBody("type_in_default_namespace", [](CXmlWriter& w) {
+        w.AddNamespace("xsi", "http://www.w3.org/2001/XMLSchema-instance");
+        w.WriteStartElement("r", "");
+        w.WriteAttributeType("", "T", ItemType_string);
+        w.WriteEndElement();
+    });
     // A known type namespace lends its prefix to "type"; a new one names the attribute after the type.
     EXPECT_EQ(Body([](CXmlWriter& w) {
                   w.AddNamespace("p", "urn:a");
