@@ -334,7 +334,7 @@ private:
     // The index of text in map, or 0 when it is new; a new text is entered
     // with the next index in the same search while the map has room, and
     // the entry is returned so that a failed literal can take it out again.
-    static IndexMap::iterator LookUpOrEnter(IndexMap& map, std::string const& text, unsigned long& index);
+    IndexMap::iterator LookUpOrEnter(IndexMap& map, std::string const& text, unsigned long& index);
     // The index of a qualified name in map, as the map answers. Leaves the
     // name's key in m_key when it is not found.
     bool FindQName(IndexMap const& map, std::string const& prefix, std::string const& uri, std::string const& local,
@@ -364,6 +364,10 @@ private:
     std::string m_key;  // scratch for qualified-name keys
     NameCache m_elementNameCache;
     NameCache m_attributeNameCache;
+    // Values found before in the character chunk and attribute value maps,
+    // with their indexes: a hash lookup in place of a walk down the tree.
+    std::unordered_map<std::string, unsigned long> m_chunkCache;
+    std::unordered_map<std::string, unsigned long> m_attributeValueCache;
 };
 
 } // namespace KdBind

@@ -392,6 +392,16 @@ void CFastInfosetWriter::EncodedCharacterStringBit5(unsigned char bits, std::str
 CFastInfosetWriter::IndexMap::iterator CFastInfosetWriter::LookUpOrEnter(IndexMap& map, std::string const& text,
                                                                           unsigned long& index)
 {
+    auto* const cache = &map == &m_vocabulary->GetCharacterChunksMap()   ? &m_chunkCache
+                        : &map == &m_vocabulary->GetAttributeValuesMap() ? &m_attributeValueCache
+                                                                         : nullptr;
+    if (cache) {
+        auto const found = cache->find(text);
+        if (found != cache->end()) {
+            index = found->second;
+            return map.end();
+        }
+    }
     index = 0;
     if (map.size() > FI_TABLE_LIMIT - 1) {  // full: found or not, nothing is added
         CFIVocabulary::FindIndex(map, text, index);
@@ -400,6 +410,8 @@ CFastInfosetWriter::IndexMap::iterator CFastInfosetWriter::LookUpOrEnter(IndexMa
     auto const entry = map.try_emplace(text, static_cast<unsigned long>(map.size() + 1));
     if (!entry.second) {
         index = entry.first->second;
+        if (cache)
+            cache->emplace(text, index);
         return map.end();
     }
     return entry.first;
