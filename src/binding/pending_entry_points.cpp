@@ -29,11 +29,6 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool, bool, XmlEncoding, EOLType, CXmlSe
     NotAvailable("ToXmlStream");
 }
 
-CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, CXmlSerializationContext const&, CompressionType) const
-{
-    NotAvailable("ToFastInfosetStream");
-}
-
 void CXmlObjectBase::FromXmlFile(char const*, CXmlSerializationContext const&) { NotAvailable("FromXmlFile"); }
 
 void CXmlObjectBase::FromXmlStream(unsigned char*, unsigned long, CXmlSerializationContext const&)
