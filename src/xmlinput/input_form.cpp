@@ -50,8 +50,9 @@ void CXmlDocument::LoadXmlStream(unsigned char* data, unsigned long length)
 
 void CXmlDocument::Parse()
 {
-    // Recognition of compressed and Fast Infoset input joins here, ahead of
-    // the text parser, once their readers exist.
+    // Compressed input is expanded in place; anything else passes through.
+    CKdZip::Decompress(&m_inputBuffer, &m_inputLength);
+    // Fast Infoset joins here, ahead of the text parser, once its reader exists.
     ParseText();
 }
 
