@@ -53,8 +53,9 @@ void AsyncToXmlFile(bool async);
 class CXmlSerializationContext {
 public:
     CXmlSerializationContext();
-    // Copies every option. The additional root attributes, which copies
-    // share, and the Fast Infoset options join with their own classes.
+    // Copies every option; the Fast Infoset options and the alias map are
+    // copied by value. The additional root attributes, which copies share,
+    // join with their own class.
     CXmlSerializationContext(CXmlSerializationContext const& other);
     CXmlSerializationContext& operator=(CXmlSerializationContext const&) = delete;
     virtual ~CXmlSerializationContext();
@@ -96,6 +97,8 @@ public:
     // Callers fill the list directly; there is no setter.
     std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
     std::vector<std::string> const& GetProcessingInstructions() const { return m_processingInstructions; }
+    CFastInfosetContext& GetFIContext() { return m_fiContext; }
+    CFastInfosetContext const& GetFIContext() const { return m_fiContext; }
 
 private:
     std::string m_defaultNamespaceURI;
@@ -111,6 +114,7 @@ private:
     SchemaType m_schemaType = SchemaType_Default;
     bool m_noOptionalAttributeDefaultOutput = false;
     bool m_stripCDATA = true;
+    CFastInfosetContext m_fiContext;
 };
 
 // ---------------------------------------------------------------------------

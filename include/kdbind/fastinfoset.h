@@ -3,7 +3,346 @@
 #ifndef KDBIND_FASTINFOSET_H
 #define KDBIND_FASTINFOSET_H
 
+#include <map>
+#include <string>
+#include <vector>
+
 #include "kdbind/xmlinput.h"
 #include "kdbind/xmloutput.h"
+
+namespace KdBind {
+
+// ---------------------------------------------------------------------------
+// Constants shared by the writer and the reader.
+// ---------------------------------------------------------------------------
+
+// The two built-in restricted alphabets, 15 characters each, the last a blank.
+extern char const RESTRICTED_ALPHABET_VALUES_NUMERIC[];    // alphabet 1
+extern char const RESTRICTED_ALPHABET_VALUES_DATE_TIME[];  // alphabet 2
+// Entry 1 of the prefix and namespace tables of a new vocabulary. The
+// namespace has every slash doubled; both sides start from this exact text,
+// so the true XML namespace is not found there and gets an entry of its own.
+extern char const FI_DEFAULT_PREFIX[];
+extern char const FI_DEFAULT_NAMESPACE[];
+// The XML declarations ahead of a document: FInfoDecl n is entry n - 1.
+extern char const* const FI_DECLARATION_LIST[9];
+// Names the generated vocabulary when the context gives no URI of its own.
+extern char const BRACKEN_URI[];
+// MASKS[n] is 2 to the n, minus 1.
+extern unsigned long const MASKS[8];
+
+// The largest number of entries of a table, as in the standard.
+constexpr unsigned long FI_TABLE_LIMIT = 1048576;
+
+// ---------------------------------------------------------------------------
+// The indexed tables of one document. The writer looks values up in the
+// maps (value -> 1-based index); the reader goes by index in the tables.
+// Entry n of a table lies at vector position n - 1.
+// ---------------------------------------------------------------------------
+
+class CFIVocabulary {
+public:
+    using IndexMap = std::map<std::string, unsigned long>;
+
+    // An index of 0 for the prefix or the namespace means none.
+    class CQNameParts {
+    public:
+        CQNameParts() = default;
+        CQNameParts(unsigned long prefix, unsigned long uri, unsigned long local)
+            : m_prefixIndex(prefix), m_namespaceIndex(uri), m_localNameIndex(local) {}
+
+        unsigned long m_prefixIndex = 0;
+        unsigned long m_namespaceIndex = 0;
+        unsigned long m_localNameIndex = 0;
+    };
+
+    class CFIStringTable {
+    public:
+        virtual ~CFIStringTable() = default;
+        std::vector<std::string>::const_iterator begin() const { return m_values.begin(); }
+        std::vector<std::string>::const_iterator end() const { return m_values.end(); }
+
+        std::vector<std::string> m_values;
+    };
+
+    class CFIQNameTable {
+    public:
+        virtual ~CFIQNameTable() = default;
+        std::vector<CQNameParts>::const_iterator begin() const { return m_names.begin(); }
+        std::vector<CQNameParts>::const_iterator end() const { return m_names.end(); }
+
+        std::vector<CQNameParts> m_names;
+    };
+
+    // Only the two alphabets, the prefix "xml" and FI_DEFAULT_NAMESPACE.
+    CFIVocabulary();
+    CFIVocabulary(CFIVocabulary const&) = default;
+    CFIVocabulary& operator=(CFIVocabulary const&) = default;
+    virtual ~CFIVocabulary();
+
+    // Entry n - 1 is alphabet n.
+    std::vector<std::string>& GetRestrictedAlphabets() { return m_restrictedAlphabets; }
+    std::vector<std::string> const& GetRestrictedAlphabets() const { return m_restrictedAlphabets; }
+
+    CFIQNameTable& GetAttributeNamesTable() { return m_attributeNamesTable; }
+    CFIStringTable& GetAttributeValuesTable() { return m_attributeValuesTable; }
+    CFIQNameTable& GetElementNamesTable() { return m_elementNamesTable; }
+    CFIStringTable& GetCharacterChunksTable() { return m_characterChunksTable; }
+    CFIStringTable& GetLocalNamesTable() { return m_localNamesTable; }
+    CFIStringTable& GetNamespaceNamesTable() { return m_namespaceNamesTable; }
+    CFIStringTable& GetPrefixNamesTable() { return m_prefixNamesTable; }
+    CFIQNameTable const& GetAttributeNamesTable() const { return m_attributeNamesTable; }
+    CFIStringTable const& GetAttributeValuesTable() const { return m_attributeValuesTable; }
+    CFIQNameTable const& GetElementNamesTable() const { return m_elementNamesTable; }
+    CFIStringTable const& GetCharacterChunksTable() const { return m_characterChunksTable; }
+    CFIStringTable const& GetLocalNamesTable() const { return m_localNamesTable; }
+    CFIStringTable const& GetNamespaceNamesTable() const { return m_namespaceNamesTable; }
+    CFIStringTable const& GetPrefixNamesTable() const { return m_prefixNamesTable; }
+
+    // The maps beside the tables, for lookups by value.
+    IndexMap& GetAttributeNamesMap() { return m_attributeNamesMap; }
+    IndexMap& GetAttributeValuesMap() { return m_attributeValuesMap; }
+    IndexMap& GetElementNamesMap() { return m_elementNamesMap; }
+    IndexMap& GetCharacterChunksMap() { return m_characterChunksMap; }
+    IndexMap const& GetAttributeNamesMap() const { return m_attributeNamesMap; }
+    IndexMap const& GetAttributeValuesMap() const { return m_attributeValuesMap; }
+    IndexMap const& GetElementNamesMap() const { return m_elementNamesMap; }
+    IndexMap const& GetCharacterChunksMap() const { return m_characterChunksMap; }
+
+    // The key of a qualified name in the name maps: local, 0x01, URI, 0x01,
+    // prefix. One name under two prefixes is two entries.
+    static std::string MakeQNameKey(std::string const& prefix, std::string const& uri, std::string const& local);
+    // The same into a string the caller keeps, so that a lookup allocates nothing.
+    static void MakeQNameKey(std::string const& prefix, std::string const& uri, std::string const& local,
+                             std::string& key);
+
+    // True, with the index set, when the value is known.
+    static bool FindIndex(IndexMap const& map, std::string const& value, unsigned long& index);
+    bool FindLocalNameIndex(std::string const& value, unsigned long& index) const;
+    bool FindNamespaceNameIndex(std::string const& value, unsigned long& index) const;
+    bool FindPrefixNameIndex(std::string const& value, unsigned long& index) const;
+
+    // Silent at the limit; a known value keeps its index.
+    static void AddValueToMap(std::string const& value, IndexMap& map);
+    static void AddValueToVector(std::string const& value, std::vector<std::string>& vector);
+    static void AddQNameToVector(unsigned long prefix, unsigned long uri, unsigned long local,
+                                 std::vector<CQNameParts>& vector);
+
+    void AddLocalName(std::string const& value);
+    void AddNamespaceName(std::string const& value);
+    void AddPrefixName(std::string const& value);
+    void AddElementValue(std::string const& value);
+    void AddAttributeValue(std::string const& value);
+
+    // Adds the name's parts that are new, then the name itself.
+    void AddQName(std::string const& prefix, std::string const& uri, std::string const& local, IndexMap& map,
+                  std::vector<CQNameParts>& vector);
+    void AddElement(std::string const& prefix, std::string const& uri, std::string const& local);
+    void AddAttribute(std::string const& prefix, std::string const& uri, std::string const& local);
+
+private:
+    // The index of value in map, adding it to map and table when it is new.
+    unsigned long FindOrAdd(std::string const& value, IndexMap& map, CFIStringTable& table);
+
+    std::vector<std::string> m_restrictedAlphabets;
+    IndexMap m_attributeNamesMap;
+    IndexMap m_attributeValuesMap;
+    IndexMap m_elementNamesMap;
+    IndexMap m_characterChunksMap;
+    IndexMap m_localNamesMap;
+    IndexMap m_namespaceNamesMap;
+    IndexMap m_prefixNamesMap;
+    CFIQNameTable m_attributeNamesTable;
+    CFIStringTable m_attributeValuesTable;
+    CFIQNameTable m_elementNamesTable;
+    CFIStringTable m_characterChunksTable;
+    CFIStringTable m_localNamesTable;
+    CFIStringTable m_namespaceNamesTable;
+    CFIStringTable m_prefixNamesTable;
+};
+
+// ---------------------------------------------------------------------------
+// The Fast Infoset options of a CXmlSerializationContext. Only read during a
+// run, so one context can serve several writers and readers at once.
+// ---------------------------------------------------------------------------
+
+class CFastInfosetContext {
+public:
+    // How the values of one ItemType go on the wire.
+    class EncodedCharacterString {
+    public:
+        enum Kind : int {
+            Kind_String = 0,              // the string's bytes in the default string encoding
+            Kind_RestrictedAlphabet = 1,  // index: alphabet 1 or 2
+            Kind_EncodingAlgorithm = 2    // index: algorithm 1 to 10
+        };
+
+        EncodedCharacterString() = default;
+        EncodedCharacterString(Kind kind, unsigned long index) : m_kind(kind), m_index(index) {}
+
+        Kind m_kind = Kind_String;
+        unsigned long m_index = 0;
+    };
+
+    // The number of entries of the encoding table: one per ItemType value.
+    static constexpr unsigned long kEncodingCount = 29;
+
+    // Every value a plain UTF-8 string; maximum add lengths 6; no generated vocabulary.
+    CFastInfosetContext();
+
+    unsigned long GetAttributeMaxAddLength() const { return m_attributeMaxAddLength; }
+    void SetAttributeMaxAddLength(unsigned long length) { m_attributeMaxAddLength = length; }
+    unsigned long GetElementMaxAddLength() const { return m_elementMaxAddLength; }
+    void SetElementMaxAddLength(unsigned long length) { m_elementMaxAddLength = length; }
+    // The library's recommended encodings for the numeric, boolean, binary
+    // and date kinds; the other entries keep what they have.
+    void SetSuggestedValues();
+    // 0: UTF-8; 1: UTF-16BE, which the writer refuses. There is no setter:
+    // nothing but 0 could be written.
+    unsigned char GetDefaultStringEncoding() const { return m_defaultStringEncoding; }
+    // Indexed by ItemType; a number past the table fails with CKdInvalidParamException.
+    EncodedCharacterString GetEncoding(unsigned long type) const;
+    void SetEncoding(unsigned long type, EncodedCharacterString encoding);
+    bool GetUseGeneratedVocabulary() const { return m_useGeneratedVocabulary; }
+    void SetUseGeneratedVocabulary(bool use) { m_useGeneratedVocabulary = use; }
+    CFIVocabulary& GetVocabulary() { return m_vocabulary; }
+    CFIVocabulary const& GetVocabulary() const { return m_vocabulary; }
+    std::string GetExternalVocabularyURI() const { return m_externalVocabularyURI; }
+    void SetExternalVocabularyURI(std::string uri) { m_externalVocabularyURI = std::move(uri); }
+
+private:
+    unsigned char m_defaultStringEncoding = 0;
+    EncodedCharacterString m_encodings[kEncodingCount];
+    unsigned long m_attributeMaxAddLength = 6;
+    unsigned long m_elementMaxAddLength = 6;
+    bool m_useGeneratedVocabulary = false;
+    CFIVocabulary m_vocabulary;
+    std::string m_externalVocabularyURI;
+};
+
+// ---------------------------------------------------------------------------
+// One value's text as the octets of a built-in encoding algorithm, and back:
+// 1 hexadecimal, 2 base64, 3 short, 4 int, 5 long, 6 boolean, 7 float,
+// 8 double, 9 UUID, 10 CDATA (UTF-8).
+// ---------------------------------------------------------------------------
+
+class CFastInfosetBinaryData : public CBinaryData {
+public:
+    CFastInfosetBinaryData();
+    CFastInfosetBinaryData(CBinaryData const& data);
+    CFastInfosetBinaryData(unsigned char* data, unsigned long length, bool adopt);
+    explicit CFastInfosetBinaryData(char const* text);
+    ~CFastInfosetBinaryData() override;
+
+    // Replaces the contents with the encoding of the one value in text.
+    void SetAsEncodedString(unsigned long algorithm, char const* text);
+    // The text of every value in the octets. Algorithm 10 is the reader's own
+    // business and fails here, as do 0 and anything above.
+    std::string GetAsString(unsigned long algorithm) const;
+};
+
+// ---------------------------------------------------------------------------
+// The Fast Infoset writer. An element start waits until the next call shows
+// whether attributes follow, and an element end waits until the next call
+// shows whether a second end shares its octet.
+// ---------------------------------------------------------------------------
+
+class CFastInfosetWriter : public CXmlWriter {
+public:
+    using IndexMap = CFIVocabulary::IndexMap;
+
+    // Starts from a copy of the context's vocabulary when the context says
+    // to use it, and from a new one otherwise. Both references must outlive
+    // the writer.
+    CFastInfosetWriter(CFastInfosetContext const& context, CBinaryStream& stream);
+    // Hands what is still held back to the stream, so that a failed document
+    // keeps what was written before the failure.
+    ~CFastInfosetWriter() override;
+
+    void Close() override;
+    void WriteComment(std::string const& text) override;
+    void WritePI(std::string const& text) override;
+    void WriteInlineSchema(std::string const& text) override;
+    void WriteStartElement(std::string const& name, std::string const& uri) override;
+    void WriteString(std::string const& text, ItemType type) override;
+    void WriteEndElement() override;
+    void WriteAttributeString(std::string const& name, std::string const& uri, std::string const& value,
+                              ItemType type) override;
+    void WriteAttributeType(std::string const& uri, std::string const& typeName, ItemType type) override;
+
+    void WriteStartDocument(FInfoDecl declaration);
+    void WriteEndDocument();
+    // Writes the pending element start, if any; attributes says whether
+    // attributes follow.
+    void WriteElement(bool attributes);
+    // Moves the bytes held in the writer to the stream. Close and
+    // WriteEndDocument do it too.
+    void Flush();
+
+    // The integer and octet-string forms, named by the bit of the first
+    // octet at which they begin; bits is the caller's part of that octet.
+    void Integer1To2pw20Bit2(unsigned char bits, unsigned long value);
+    void Integer0To2pw20Bit2(unsigned char bits, unsigned long value);
+    void Integer1To2pw20Bit3(unsigned char bits, unsigned long value);
+    void Integer1To2pw20Bit4(unsigned char bits, unsigned long value);
+    void NonEmptyOctetStringBit2(unsigned char bits, unsigned char const* data, unsigned long length);
+    void NonEmptyOctetStringBit5(unsigned char bits, unsigned char const* data, unsigned long length);
+    void NonEmptyOctetStringBit7(unsigned char bits, unsigned char const* data, unsigned long length);
+    void NonEmptyOctetUTF8StringBit2(unsigned char bits, std::string const& text);
+
+    void QualifiedNameOrIndexBit2(unsigned char bits, std::string const& prefix, std::string const& uri,
+                                  std::string const& local, IndexMap& map);
+    void QualifiedNameOrIndexBit3(unsigned char bits, std::string const& prefix, std::string const& uri,
+                                  std::string const& local, IndexMap& map);
+    void EncodedCharacterStringBit3(unsigned char bits, std::string const& text, ItemType type);
+    void EncodedCharacterStringBit5(unsigned char bits, std::string const& text, ItemType type);
+    void NonIdentifyingStringOrIndexBit1(std::string const& text, IndexMap& map, unsigned long limit,
+                                         ItemType type);
+    void NonIdentifyingStringOrIndexBit3(unsigned char bits, std::string const& text, IndexMap& map,
+                                         unsigned long limit, ItemType type);
+    CBinaryData AppendRestrictedAlphabetString(unsigned long index, char const* text);
+
+    CFIVocabulary const& GetWriterVocabulary() const { return *m_vocabulary; }
+
+private:
+    void Put(unsigned char octet)
+    {
+        if (m_used == kBufferSize)
+            Flush();
+        m_buffer[m_used++] = octet;
+    }
+    void Put(unsigned char const* data, unsigned long length);
+    // Ends an attribute list that is still open on the current element.
+    void CloseStartTag();
+    // A name part: its index when the table has it, otherwise the literal,
+    // which then joins the table through add.
+    void NamePart(std::string const& text, bool found, unsigned long index,
+                  void (CFIVocabulary::*add)(std::string const&));
+    // The shared body of the two qualified-name forms: integer writes the
+    // index form, and literal is the caller's part of the literal's octet.
+    void QualifiedNameOrIndex(unsigned char bits, unsigned char literal,
+                              void (CFastInfosetWriter::*integer)(unsigned char, unsigned long),
+                              std::string const& prefix, std::string const& uri, std::string const& local,
+                              IndexMap& map);
+    // The shared body of the two encoded-string forms, which differ only in
+    // how far the discriminators are shifted.
+    void EncodedCharacterString(unsigned char bits, std::string const& text, ItemType type, bool fromBit5);
+    std::string const& PrefixForUri(std::string const& uri);
+
+    static constexpr unsigned long kBufferSize = 16384;
+
+    CBinaryStream& m_stream;
+    CFastInfosetContext const& m_fiContext;
+    CXmlWriterContext* m_pendingElement = nullptr;  // not yet current; owned while it waits
+    bool m_pendingTerminator = false;
+    CFIVocabulary* m_vocabulary;  // owned
+    // Bytes not yet on the stream; appending to the stream byte by byte
+    // would take its lock each time.
+    unsigned char m_buffer[kBufferSize];
+    unsigned long m_used = 0;
+    std::string m_key;  // scratch for qualified-name keys
+};
+
+} // namespace KdBind
 
 #endif

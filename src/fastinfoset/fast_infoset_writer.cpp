@@ -1,0 +1,636 @@
+// CFastInfosetWriter: writer calls to the octets of a Fast Infoset document.
+// An element start waits for the next call, which tells whether attributes
+// follow; an element end waits too, so that two ends can share the octet
+// 0xFF.
+#include <cassert>
+#include <cstring>
+
+#include "kdbind/fastinfoset.h"
+
+namespace KdBind {
+
+namespace {
+
+char const kSchemaInstanceNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+char const kAttributesFirst[] = "Attributes must be added before elements";
+char const kUtf16Unsupported[] = "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.";
+
+constexpr unsigned char kTerminator = 0xF0;
+constexpr unsigned char kDoubleTerminator = 0xFF;
+
+bool IsAscii(std::string const& text)
+{
+    for (unsigned char c : text)
+        if (c & 0x80)
+            return false;
+    return true;
+}
+
+// The UTF-8 bytes of text. ASCII is its own UTF-8, so most texts are handed
+// out as they stand; the others are converted into holder.
+void Utf8Bytes(std::string const& text, CBinaryData& holder, unsigned char const*& data, unsigned long& length)
+{
+    if (ASCII_ONLY || IsAscii(text)) {
+        data = reinterpret_cast<unsigned char const*>(text.data());
+        length = static_cast<unsigned long>(text.size());
+        return;
+    }
+    holder = CEncoder::LocalCodePageToUtf8Binary(text.c_str());
+    data = holder.GetData();
+    length = holder.GetLength();
+}
+
+// A zero-length string has no form on the wire; only a caller that passes
+// an empty name or a value that encodes to nothing gets here.
+void CheckNonEmpty(unsigned long length)
+{
+    if (length == 0)
+        throw CKdException("Failed to write FastInfoset. Empty octet string.");
+}
+
+} // namespace
+
+CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const& context, CBinaryStream& stream)
+    : CXmlWriter("CFastInfosetWriter"), m_stream(stream), m_fiContext(context),
+      m_vocabulary(context.GetUseGeneratedVocabulary() ? new CFIVocabulary(context.GetVocabulary())
+                                                        : new CFIVocabulary())
+{
+}
+
+CFastInfosetWriter::~CFastInfosetWriter()
+{
+    if (m_pendingElement) {
+        // Its parent belongs to the stack the base destroys.
+        m_pendingElement->m_parent = nullptr;
+        delete m_pendingElement;
+    }
+    try {
+        Flush();
+    } catch (...) {
+        // A destructor raises nothing; the bytes are lost with the stream's memory.
+    }
+    delete m_vocabulary;
+}
+
+void CFastInfosetWriter::Flush()
+{
+    if (m_used == 0)
+        return;
+    unsigned long const used = m_used;
+    m_used = 0;
+    m_stream.Append(m_buffer, used);
+}
+
+void CFastInfosetWriter::Put(unsigned char const* data, unsigned long length)
+{
+    if (length > kBufferSize - m_used) {
+        Flush();
+        if (length >= kBufferSize) {
+            m_stream.Append(const_cast<unsigned char*>(data), length);
+            return;
+        }
+    }
+    if (length != 0)
+        memcpy(m_buffer + m_used, data, length);
+    m_used += length;
+}
+
+void CFastInfosetWriter::Close()
+{
+    Flush();
+    CXmlWriter::Close();
+}
+
+// ---------------------------------------------------------------------------
+// Integers and octet strings
+// ---------------------------------------------------------------------------
+
+void CFastInfosetWriter::Integer1To2pw20Bit2(unsigned char bits, unsigned long value)
+{
+    assert(value >= 1);
+    if (value <= 64) {
+        Put(static_cast<unsigned char>(bits | (value - 1)));
+    } else if (value <= 8256) {
+        unsigned long const v = value - 65;
+        Put(static_cast<unsigned char>(bits | 0x40 | ((v >> 8) & 0x1F)));
+        Put(static_cast<unsigned char>(v));
+    } else {
+        unsigned long const v = value - 8257;
+        Put(static_cast<unsigned char>(bits | 0x60 | ((v >> 16) & 0x0F)));
+        Put(static_cast<unsigned char>(v >> 8));
+        Put(static_cast<unsigned char>(v));
+    }
+}
+
+void CFastInfosetWriter::Integer0To2pw20Bit2(unsigned char bits, unsigned long value)
+{
+    if (value == 0)
+        Put(static_cast<unsigned char>(bits | 0x7F));
+    else
+        Integer1To2pw20Bit2(bits, value);
+}
+
+void CFastInfosetWriter::Integer1To2pw20Bit3(unsigned char bits, unsigned long value)
+{
+    assert(value >= 1);
+    if (value <= 32) {
+        Put(static_cast<unsigned char>(bits | (value - 1)));
+    } else if (value <= 2080) {
+        unsigned long const v = value - 33;
+        Put(static_cast<unsigned char>(bits | 0x20 | ((v >> 8) & 0x07)));
+        Put(static_cast<unsigned char>(v));
+    } else if (value <= 526368) {
+        unsigned long const v = value - 2081;
+        Put(static_cast<unsigned char>(bits | 0x28 | ((v >> 16) & 0x07)));
+        Put(static_cast<unsigned char>(v >> 8));
+        Put(static_cast<unsigned char>(v));
+    } else {
+        // One less than the reader subtracts: such an index reads back one
+        // higher. Both sides keep it, so that documents stay as they were.
+        unsigned long const v = value - 526368;
+        Put(static_cast<unsigned char>(bits | 0x30));
+        Put(static_cast<unsigned char>(v >> 16));
+        Put(static_cast<unsigned char>(v >> 8));
+        Put(static_cast<unsigned char>(v));
+    }
+}
+
+void CFastInfosetWriter::Integer1To2pw20Bit4(unsigned char bits, unsigned long value)
+{
+    assert(value >= 1);
+    if (value <= 16) {
+        Put(static_cast<unsigned char>(bits | (value - 1)));
+    } else if (value <= 1040) {
+        unsigned long const v = value - 17;
+        Put(static_cast<unsigned char>(bits | 0x10 | ((v >> 8) & 0x03)));
+        Put(static_cast<unsigned char>(v));
+    } else if (value <= 263184) {
+        unsigned long const v = value - 1041;
+        Put(static_cast<unsigned char>(bits | 0x14 | ((v >> 16) & 0x03)));
+        Put(static_cast<unsigned char>(v >> 8));
+        Put(static_cast<unsigned char>(v));
+    } else {
+        unsigned long const v = value - 263185;
+        Put(static_cast<unsigned char>(bits | 0x18));
+        Put(static_cast<unsigned char>(v >> 16));
+        Put(static_cast<unsigned char>(v >> 8));
+        Put(static_cast<unsigned char>(v));
+    }
+}
+
+namespace {
+// The three octet-string forms differ only in their limits and marks: up to
+// small bytes the length goes in the first octet; up to small + 256 one
+// length octet follows the first octet with medium; beyond, four follow with long.
+struct OctetStringForm {
+    unsigned long small;
+    unsigned char medium;
+    unsigned char longMark;
+};
+constexpr OctetStringForm kBit2Form = {64, 0x40, 0x60};
+constexpr OctetStringForm kBit5Form = {8, 0x08, 0x0C};
+constexpr OctetStringForm kBit7Form = {2, 0x02, 0x03};
+
+// The length part of a non-empty octet string, into header; returns its size.
+unsigned OctetStringHeader(OctetStringForm const& form, unsigned char bits, unsigned long length,
+                           unsigned char header[5])
+{
+    if (length <= form.small) {
+        header[0] = static_cast<unsigned char>(bits | (length - 1));
+        return 1;
+    }
+    if (length <= form.small + 256) {
+        header[0] = static_cast<unsigned char>(bits | form.medium);
+        header[1] = static_cast<unsigned char>(length - form.small - 1);
+        return 2;
+    }
+    unsigned long const rest = length - form.small - 257;
+    header[0] = static_cast<unsigned char>(bits | form.longMark);
+    header[1] = static_cast<unsigned char>(rest >> 24);
+    header[2] = static_cast<unsigned char>(rest >> 16);
+    header[3] = static_cast<unsigned char>(rest >> 8);
+    header[4] = static_cast<unsigned char>(rest);
+    return 5;
+}
+} // namespace
+
+#define KDBIND_OCTET_STRING_WRITER(Name, Form)                                                    \
+    void CFastInfosetWriter::Name(unsigned char bits, unsigned char const* data, unsigned long length) \
+    {                                                                                             \
+        CheckNonEmpty(length);                                                                    \
+        unsigned char header[5];                                                                  \
+        Put(header, OctetStringHeader(Form, bits, length, header));                               \
+        Put(data, length);                                                                        \
+    }
+KDBIND_OCTET_STRING_WRITER(NonEmptyOctetStringBit2, kBit2Form)
+KDBIND_OCTET_STRING_WRITER(NonEmptyOctetStringBit5, kBit5Form)
+KDBIND_OCTET_STRING_WRITER(NonEmptyOctetStringBit7, kBit7Form)
+#undef KDBIND_OCTET_STRING_WRITER
+
+void CFastInfosetWriter::NonEmptyOctetUTF8StringBit2(unsigned char bits, std::string const& text)
+{
+    CBinaryData holder;
+    unsigned char const* data;
+    unsigned long length;
+    Utf8Bytes(text, holder, data, length);
+    NonEmptyOctetStringBit2(bits, data, length);
+}
+
+// ---------------------------------------------------------------------------
+// Names
+// ---------------------------------------------------------------------------
+
+void CFastInfosetWriter::NamePart(std::string const& text, bool found, unsigned long index,
+                                  void (CFIVocabulary::*add)(std::string const&))
+{
+    if (found) {
+        Integer1To2pw20Bit2(0x80, index);
+        return;
+    }
+    NonEmptyOctetUTF8StringBit2(0, text);
+    (m_vocabulary->*add)(text);
+}
+
+void CFastInfosetWriter::QualifiedNameOrIndex(unsigned char bits, unsigned char literal,
+                                              void (CFastInfosetWriter::*integer)(unsigned char, unsigned long),
+                                              std::string const& prefix, std::string const& uri,
+                                              std::string const& local, IndexMap& map)
+{
+    CFIVocabulary::MakeQNameKey(prefix, uri, local, m_key);
+    unsigned long index = 0;
+    if (CFIVocabulary::FindIndex(map, m_key, index)) {
+        (this->*integer)(bits, index);
+        return;
+    }
+    Put(static_cast<unsigned char>(bits | literal | (!prefix.empty() ? 3 : !uri.empty() ? 1 : 0)));
+    if (!prefix.empty())
+        NamePart(prefix, m_vocabulary->FindPrefixNameIndex(prefix, index), index, &CFIVocabulary::AddPrefixName);
+    if (!uri.empty())
+        NamePart(uri, m_vocabulary->FindNamespaceNameIndex(uri, index), index, &CFIVocabulary::AddNamespaceName);
+    NamePart(local, m_vocabulary->FindLocalNameIndex(local, index), index, &CFIVocabulary::AddLocalName);
+    // The writer goes by the map alone and never reads the table of names.
+    CFIVocabulary::AddValueToMap(m_key, map);
+}
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit2(unsigned char bits, std::string const& prefix,
+                                                  std::string const& uri, std::string const& local, IndexMap& map)
+{
+    QualifiedNameOrIndex(bits, 0x78, &CFastInfosetWriter::Integer1To2pw20Bit2, prefix, uri, local, map);
+}
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit3(unsigned char bits, std::string const& prefix,
+                                                  std::string const& uri, std::string const& local, IndexMap& map)
+{
+    QualifiedNameOrIndex(bits, 0x3C, &CFastInfosetWriter::Integer1To2pw20Bit3, prefix, uri, local, map);
+}
+
+// ---------------------------------------------------------------------------
+// Values
+// ---------------------------------------------------------------------------
+
+void CFastInfosetWriter::EncodedCharacterString(unsigned char bits, std::string const& text, ItemType type,
+                                                bool fromBit5)
+{
+    using Encoding = CFastInfosetContext::EncodedCharacterString;
+    Encoding const encoding = m_fiContext.GetEncoding(type);
+    auto octetString = fromBit5 ? &CFastInfosetWriter::NonEmptyOctetStringBit7
+                                : &CFastInfosetWriter::NonEmptyOctetStringBit5;
+    // The 8-bit index of an alphabet or algorithm straddles two octets.
+    unsigned const shift = fromBit5 ? 6 : 4;
+    unsigned long const index = encoding.m_index;
+    auto indexHead = [&](unsigned char discriminator) {
+        Put(static_cast<unsigned char>(bits | (fromBit5 ? discriminator >> 2 : discriminator) |
+                                       ((index - 1) >> shift)));
+    };
+    unsigned char const indexTail = static_cast<unsigned char>((index - 1) << (8 - shift));
+
+    switch (encoding.m_kind) {
+    case Encoding::Kind_String: {
+        if (m_fiContext.GetDefaultStringEncoding() == 1)
+            throw CKdException(kUtf16Unsupported);
+        // What algorithm 10 yields, without building a block for ASCII.
+        CBinaryData holder;
+        unsigned char const* data;
+        unsigned long length;
+        Utf8Bytes(text, holder, data, length);
+        (this->*octetString)(bits, data, length);
+        return;
+    }
+    case Encoding::Kind_RestrictedAlphabet: {
+        if (index != 1 && index != 2)
+            throw CKdException(FormatString("Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]",
+                                            static_cast<int>(index)));
+        indexHead(0x20);
+        CBinaryData const data = AppendRestrictedAlphabetString(index, text.c_str());
+        (this->*octetString)(indexTail, data.GetData(), data.GetLength());
+        return;
+    }
+    case Encoding::Kind_EncodingAlgorithm: {
+        if (index < 1 || index > 10)
+            throw CKdException(FormatString("Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",
+                                            static_cast<int>(index)));
+        indexHead(0x30);
+        CFastInfosetBinaryData data;
+        data.SetAsEncodedString(index, text.c_str());
+        (this->*octetString)(indexTail, data.GetData(), data.GetLength());
+        return;
+    }
+    }
+    throw CKdException(fromBit5 ? "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7."
+                                : "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.");
+}
+
+void CFastInfosetWriter::EncodedCharacterStringBit3(unsigned char bits, std::string const& text, ItemType type)
+{
+    EncodedCharacterString(bits, text, type, false);
+}
+
+void CFastInfosetWriter::EncodedCharacterStringBit5(unsigned char bits, std::string const& text, ItemType type)
+{
+    EncodedCharacterString(bits, text, type, true);
+}
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string const& text, IndexMap& map,
+                                                         unsigned long limit, ItemType type)
+{
+    if (text.empty()) {
+        Integer0To2pw20Bit2(0x80, 0);
+        return;
+    }
+    if (text.size() < limit) {
+        unsigned long index = 0;
+        if (CFIVocabulary::FindIndex(map, text, index)) {
+            Integer1To2pw20Bit2(0x80, index);
+            return;
+        }
+        EncodedCharacterStringBit3(0x40, text, type);  // add to the table
+        CFIVocabulary::AddValueToMap(text, map);
+        return;
+    }
+    EncodedCharacterStringBit3(0, text, type);
+}
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(unsigned char bits, std::string const& text,
+                                                         IndexMap& map, unsigned long limit, ItemType type)
+{
+    if (text.size() >= limit) {
+        EncodedCharacterStringBit5(bits, text, type);
+        return;
+    }
+    unsigned long index = 0;
+    if (CFIVocabulary::FindIndex(map, text, index)) {
+        Integer1To2pw20Bit4(bits | 0x20, index);
+        return;
+    }
+    EncodedCharacterStringBit5(bits | 0x10, text, type);
+    CFIVocabulary::AddValueToMap(text, map);
+}
+
+CBinaryData CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long index, char const* text)
+{
+    std::vector<std::string> const& alphabets = m_vocabulary->GetRestrictedAlphabets();
+    if (index < 1 || index > alphabets.size())
+        throw CKdException(FormatString("Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]",
+                                        static_cast<int>(index)));
+    std::string const& alphabet = alphabets[index - 1];
+    if (alphabet.size() < 2 || alphabet.size() > FI_TABLE_LIMIT)
+        throw CKdException("Failed to write FastInfoset. Invalid Restricted Alphabet. Alphabet must contain between "
+                           "2 and 2^20 characters.");
+    unsigned bitsPerCharacter = 2;
+    while ((1ul << bitsPerCharacter) <= alphabet.size())
+        ++bitsPerCharacter;
+    if (bitsPerCharacter != 4 && bitsPerCharacter != 8)
+        throw CKdException("Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
+
+    // Position of each byte in the alphabet, its first occurrence; 0xFFFF: absent.
+    unsigned short position[256];
+    std::fill(position, position + 256, 0xFFFF);
+    for (size_t i = alphabet.size(); i-- > 0;)
+        position[static_cast<unsigned char>(alphabet[i])] = static_cast<unsigned short>(i);
+    auto positionOf = [&](char c) {
+        unsigned short const p = position[static_cast<unsigned char>(c)];
+        if (p == 0xFFFF)
+            throw CKdException("Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+        return static_cast<unsigned char>(p);
+    };
+
+    size_t const length = text ? strlen(text) : 0;
+    std::vector<unsigned char> octets;
+    if (bitsPerCharacter == 8) {
+        octets.reserve(length);
+        for (size_t i = 0; i < length; ++i)
+            octets.push_back(positionOf(text[i]));
+    } else {
+        octets.reserve((length + 1) / 2);
+        for (size_t i = 0; i < length; i += 2) {
+            unsigned char const high = positionOf(text[i]);
+            unsigned char const low = i + 1 < length ? positionOf(text[i + 1]) : 0x0F;  // all ones: the end
+            octets.push_back(static_cast<unsigned char>(high << 4 | low));
+        }
+    }
+    CBinaryData data;
+    if (!octets.empty())
+        data.Append(octets.data(), static_cast<unsigned long>(octets.size()));
+    return data;
+}
+
+// ---------------------------------------------------------------------------
+// Document and element calls
+// ---------------------------------------------------------------------------
+
+void CFastInfosetWriter::WriteStartDocument(FInfoDecl declaration)
+{
+    if (declaration != FInfoDecl_None) {
+        if (declaration < FInfoDecl_Encoding || declaration > FInfoDecl_11_Encoding_NotStandalone)
+            throw CKdInvalidParamException(
+                FormatString("Invalid Fast Infoset declaration [%d]", static_cast<int>(declaration)));
+        Put(CEncoder::LocalCodePageToUtf8Binary(FI_DECLARATION_LIST[declaration - 1]).GetData(),
+            static_cast<unsigned long>(strlen(FI_DECLARATION_LIST[declaration - 1])));
+    }
+    static unsigned char const header[] = {0xE0, 0x00, 0x00, 0x01};
+    Put(header, sizeof header);
+    if (!m_fiContext.GetUseGeneratedVocabulary()) {
+        Put(0x00);  // no optional components
+        return;
+    }
+    // An initial vocabulary that holds only an external vocabulary.
+    Put(0x20);
+    Put(0x10);
+    Put(0x00);
+    std::string const uri = m_fiContext.GetExternalVocabularyURI();
+    NonEmptyOctetUTF8StringBit2(0, uri.empty() ? std::string(BRACKEN_URI) : uri);
+}
+
+void CFastInfosetWriter::WriteEndDocument()
+{
+    // With an end still pending, one octet ends the document element and the document.
+    Put(m_pendingTerminator ? kDoubleTerminator : kTerminator);
+    Flush();
+}
+
+void CFastInfosetWriter::CloseStartTag()
+{
+    if (m_context && m_context->m_startTagOpen) {
+        m_context->m_startTagOpen = false;
+        if (m_context->m_hasAttributes)
+            Put(kTerminator);
+    }
+}
+
+std::string const& CFastInfosetWriter::PrefixForUri(std::string const& uri)
+{
+    CXmlWriterContext* const context = m_context;
+    NamespaceMap* const namespaces = context->GetNamespaceMap();
+    auto const found = namespaces->find(uri);
+    if (found != namespaces->end())
+        return found->second;
+    context->SetNamespaceMapValue(uri, GetUniquePrefix(*namespaces));
+    return context->NamespaceMapValue(uri);
+}
+
+void CFastInfosetWriter::WriteStartElement(std::string const& name, std::string const& uri)
+{
+    WriteElement(false);
+    if (m_pendingTerminator) {
+        Put(kTerminator);
+        m_pendingTerminator = false;
+    }
+    if (m_context) {
+        ++m_context->m_childCount;
+        CloseStartTag();
+    }
+    // Made like any element's context, but held back from being current.
+    CXmlWriterContext* const context = PushContext(name, uri);
+    m_context = context->m_parent;
+    m_pendingElement = context;
+}
+
+void CFastInfosetWriter::WriteElement(bool attributes)
+{
+    CXmlWriterContext* const element = m_pendingElement;
+    if (!element)
+        return;
+    unsigned char first = 0;
+    if (attributes) {
+        element->m_hasAttributes = true;
+        first = 0x40;
+    }
+    // Namespace attributes go on the document element only.
+    if (!m_context && (!m_defaultNamespace.empty() || !m_namespaces.empty())) {
+        Put(static_cast<unsigned char>(first | 0x38));
+        unsigned long index = 0;
+        if (!m_defaultNamespace.empty()) {
+            Put(0xCD);
+            NamePart(m_defaultNamespace, m_vocabulary->FindNamespaceNameIndex(m_defaultNamespace, index), index,
+                     &CFIVocabulary::AddNamespaceName);
+        }
+        for (auto const& entry : m_namespaces) {
+            std::string const& uri = entry.first;
+            std::string const& prefix = entry.second;
+            // A map entry without a prefix declares the default namespace.
+            Put(prefix.empty() ? 0xCD : 0xCF);
+            if (!prefix.empty())
+                NamePart(prefix, m_vocabulary->FindPrefixNameIndex(prefix, index), index,
+                         &CFIVocabulary::AddPrefixName);
+            NamePart(uri, m_vocabulary->FindNamespaceNameIndex(uri, index), index, &CFIVocabulary::AddNamespaceName);
+        }
+        Put(kTerminator);
+        first = 0;
+    }
+
+    // No namespace attribute is written for a prefix made up here: the
+    // qualified name carries the URI itself.
+    std::string const& uri = element->m_uri;
+    static std::string const noPrefix;
+    std::string const* prefix = &noPrefix;
+    if (!uri.empty() && uri != element->GetDefaultNamespace()) {
+        NamespaceMap* const namespaces = element->GetNamespaceMap();
+        auto const found = namespaces->find(uri);
+        if (found != namespaces->end()) {
+            prefix = &found->second;
+        } else {
+            element->SetNamespaceMapValue(uri, GetUniquePrefix(*namespaces));
+            prefix = &element->NamespaceMapValue(uri);
+        }
+    }
+    QualifiedNameOrIndexBit3(first, *prefix, uri, element->m_name, m_vocabulary->GetElementNamesMap());
+    m_context = element;
+    m_pendingElement = nullptr;
+}
+
+void CFastInfosetWriter::WriteAttributeString(std::string const& name, std::string const& uri,
+                                              std::string const& value, ItemType type)
+{
+    WriteElement(true);
+    if (!m_context || !m_context->m_startTagOpen)
+        throw CKdException(kAttributesFirst);
+    // An attribute never goes by the default namespace.
+    static std::string const noPrefix;
+    std::string const& prefix = uri.empty() ? noPrefix : PrefixForUri(uri);
+    QualifiedNameOrIndexBit2(0, prefix, uri, name, m_vocabulary->GetAttributeNamesMap());
+    NonIdentifyingStringOrIndexBit1(value, m_vocabulary->GetAttributeValuesMap(),
+                                    m_fiContext.GetAttributeMaxAddLength(), type);
+}
+
+void CFastInfosetWriter::WriteAttributeType(std::string const& uri, std::string const& typeName, ItemType type)
+{
+    WriteElement(true);
+    if (!m_context || !m_context->m_startTagOpen)
+        throw CKdException(kAttributesFirst);
+    if (uri.empty() || uri == m_context->GetDefaultNamespace()) {
+        WriteAttributeString("type", kSchemaInstanceNamespace, typeName, type);
+        return;
+    }
+    // The two branches name the attribute differently, and are kept so: a
+    // known type namespace lends its prefix to the schema-instance "type";
+    // a new one makes the attribute the type's own name in its namespace.
+    NamespaceMap* const namespaces = m_context->GetNamespaceMap();
+    auto const found = namespaces->find(uri);
+    std::string prefix;
+    if (found != namespaces->end()) {
+        prefix = found->second;
+        QualifiedNameOrIndexBit2(0, prefix, kSchemaInstanceNamespace, "type", m_vocabulary->GetAttributeNamesMap());
+    } else {
+        prefix = GetUniquePrefix(*namespaces);
+        m_context->SetNamespaceMapValue(uri, prefix);
+        QualifiedNameOrIndexBit2(0, prefix, uri, typeName, m_vocabulary->GetAttributeNamesMap());
+    }
+    NonIdentifyingStringOrIndexBit1(prefix + ":" + typeName, m_vocabulary->GetAttributeValuesMap(),
+                                    m_fiContext.GetAttributeMaxAddLength(), type);
+}
+
+void CFastInfosetWriter::WriteString(std::string const& text, ItemType type)
+{
+    WriteElement(false);
+    CloseStartTag();
+    if (text.empty())
+        return;
+    // The pending terminator is not looked at: text after a finished child
+    // lands ahead of that child's end, and reads as the child's.
+    NonIdentifyingStringOrIndexBit3(0x80, text, m_vocabulary->GetCharacterChunksMap(),
+                                    m_fiContext.GetElementMaxAddLength(), type);
+}
+
+void CFastInfosetWriter::WriteEndElement()
+{
+    WriteElement(false);
+    if (!m_context)
+        throw CKdInvalidStateException("No element is open.");
+    CloseStartTag();
+    if (m_pendingTerminator) {
+        Put(kDoubleTerminator);
+        m_pendingTerminator = false;
+    } else {
+        m_pendingTerminator = true;
+    }
+    PopContext();
+}
+
+// The instruction is dropped; an element still waiting goes out without attributes.
+void CFastInfosetWriter::WritePI(std::string const&) { WriteElement(false); }
+
+void CFastInfosetWriter::WriteComment(std::string const&) {}
+
+void CFastInfosetWriter::WriteInlineSchema(std::string const&) {}
+
+} // namespace KdBind
