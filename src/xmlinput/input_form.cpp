@@ -52,8 +52,10 @@ void CXmlDocument::Parse()
 {
     // Compressed input is expanded in place; anything else passes through.
     CKdZip::Decompress(&m_inputBuffer, &m_inputLength);
-    // Fast Infoset joins here, ahead of the text parser, once its reader exists.
-    ParseText();
+    // Fast Infoset answers quickly when the data is not its own.
+    CFastInfosetReader reader(GetContext().GetFIContext(), *this);
+    if (!reader.Parse())
+        ParseText();
 }
 
 } // namespace KdBind
