@@ -1,4 +1,4 @@
-# Front door: `make demo`, `make test`, `make bench`.
+# Front door: `make demo`, `make test`, `make bench`, `make interop`.
 # SANITIZE=1 builds with clang, AddressSanitizer and UndefinedBehaviorSanitizer.
 JOBS ?= 2
 BUILD_TYPE ?= RelWithDebInfo
@@ -11,7 +11,7 @@ else
 BUILD_DIR ?= build
 endif
 
-.PHONY: all deps configure build test demo bench clean
+.PHONY: all deps configure build test demo bench interop clean
 
 all: build
 
@@ -34,6 +34,10 @@ bench: deps
 	@cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DKDBIND_BUILD_BENCH=ON -DKDBIND_BUILD_TESTS=OFF >/dev/null
 	@cmake --build build-bench -j$(JOBS)
 	@for b in build-bench/bench/kdbind_bench_*; do if [ -x "$$b" ]; then "$$b" || exit 1; fi; done
+
+# Fast Infoset written by the tests, read back by an independent Java decoder.
+interop: build
+	@scripts/interop.sh $(BUILD_DIR)
 
 clean:
 	rm -rf build build-sanitize build-bench

@@ -5,53 +5,13 @@
 
 #include <string>
 
-#include "purchase_order.h"
+#include "purchase_order_fixture.h"
 
 using namespace KdBind;
 using namespace PurchaseOrderSchema;
+using namespace KdBindBench;
 
 namespace {
-
-CSmartPtr<CPurchaseOrder> MakeOrder(int lineItems)
-{
-    CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
-    order->SetOrderDate("2026-11-21");
-    CUSAddress& shipTo = order->GetShipTo();
-    shipTo.SetName("Alice Smith");
-    shipTo.SetStreet("123 Maple Street");
-    shipTo.SetCity("Mill Valley");
-    shipTo.SetState("CA");
-    shipTo.SetZip(90952);
-    for (int i = 0; i < lineItems; ++i) {
-        CSmartPtr<CLineItem> item = new CLineItem();
-        item->SetPartNum(std::to_string(100000 + i) + "-AA");
-        item->SetProductName("Garden hose, 25 m, reinforced");
-        item->SetQuantity(static_cast<unsigned short>(1 + i % 9));
-        item->SetUSPrice(19.99 + i % 100);
-        if (i % 3 == 0) {
-            CSmartPtr<CGadgetDetails> details = new CGadgetDetails();
-            details->SetVoltage(230);
-            item->SetDetails(details);
-        }
-        if (i % 5 == 0)
-            item->SetComment("Leave at the back door & ring twice");
-        order->GetLineItems().Add(item);
-    }
-    order->GetTotals().SetSubtotal(1234.5);
-    order->GetTotals().SetItemCount(static_cast<unsigned short>(lineItems));
-    return order;
-}
-
-CXmlSerializationContext const& Context()
-{
-    static CXmlSerializationContext context = [] {
-        CXmlSerializationContext c;
-        c.GetNamespaceAliases().Add("po", NAMESPACE);
-        c.GetNamespaceAliases().Add("xsi", "http://www.w3.org/2001/XMLSchema-instance");
-        return c;
-    }();
-    return context;
-}
 
 void BM_ToXml(benchmark::State& state)
 {

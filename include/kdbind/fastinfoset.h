@@ -318,6 +318,8 @@ private:
     // which then joins the table through add.
     void NamePart(std::string const& text, bool found, unsigned long index,
                   void (CFIVocabulary::*add)(std::string const&));
+    void PrefixPart(std::string const& prefix);
+    void NamespacePart(std::string const& uri);
     // The shared body of the two qualified-name forms: integer writes the
     // index form, and literal is the caller's part of the literal's octet.
     void QualifiedNameOrIndex(unsigned char bits, unsigned char literal,
@@ -453,7 +455,8 @@ private:
 
     [[noreturn]] void Fail(char const* message);
 
-    CFastInfosetContext const* m_context;
+    // Only read; the vocabulary it chose is all the reader takes from it.
+    [[maybe_unused]] CFastInfosetContext const* m_context;
     CXmlDocument* m_document;
     unsigned char const* m_cursor = nullptr;   // the next unread byte
     unsigned char const* m_current = nullptr;  // the byte most recently taken

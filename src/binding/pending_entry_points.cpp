@@ -11,11 +11,6 @@ namespace {
 }
 } // namespace
 
-CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, CXmlSerializationContext const&, CompressionType) const
-{
-    NotAvailable("ToFastInfosetStream");
-}
-
 void CXmlObjectBase::FromXmlElement(CElement const*, CXmlSerializationContext const&)
 {
     NotAvailable("FromXmlElement");

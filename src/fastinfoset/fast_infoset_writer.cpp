@@ -251,6 +251,20 @@ void CFastInfosetWriter::NamePart(std::string const& text, bool found, unsigned 
     (m_vocabulary->*add)(text);
 }
 
+void CFastInfosetWriter::PrefixPart(std::string const& prefix)
+{
+    unsigned long index = 0;
+    bool const known = m_vocabulary->FindPrefixNameIndex(prefix, index);
+    NamePart(prefix, known, index, &CFIVocabulary::AddPrefixName);
+}
+
+void CFastInfosetWriter::NamespacePart(std::string const& uri)
+{
+    unsigned long index = 0;
+    bool const known = m_vocabulary->FindNamespaceNameIndex(uri, index);
+    NamePart(uri, known, index, &CFIVocabulary::AddNamespaceName);
+}
+
 void CFastInfosetWriter::QualifiedNameOrIndex(unsigned char bits, unsigned char literal,
                                               void (CFastInfosetWriter::*integer)(unsigned char, unsigned long),
                                               std::string const& prefix, std::string const& uri,
@@ -264,10 +278,11 @@ void CFastInfosetWriter::QualifiedNameOrIndex(unsigned char bits, unsigned char 
     }
     Put(static_cast<unsigned char>(bits | literal | (!prefix.empty() ? 3 : !uri.empty() ? 1 : 0)));
     if (!prefix.empty())
-        NamePart(prefix, m_vocabulary->FindPrefixNameIndex(prefix, index), index, &CFIVocabulary::AddPrefixName);
+        PrefixPart(prefix);
     if (!uri.empty())
-        NamePart(uri, m_vocabulary->FindNamespaceNameIndex(uri, index), index, &CFIVocabulary::AddNamespaceName);
-    NamePart(local, m_vocabulary->FindLocalNameIndex(local, index), index, &CFIVocabulary::AddLocalName);
+        NamespacePart(uri);
+    bool const known = m_vocabulary->FindLocalNameIndex(local, index);
+    NamePart(local, known, index, &CFIVocabulary::AddLocalName);
     // The writer goes by the map alone and never reads the table of names.
     CFIVocabulary::AddValueToMap(m_key, map);
 }
@@ -518,11 +533,9 @@ void CFastInfosetWriter::WriteElement(bool attributes)
     // Namespace attributes go on the document element only.
     if (!m_context && (!m_defaultNamespace.empty() || !m_namespaces.empty())) {
         Put(static_cast<unsigned char>(first | 0x38));
-        unsigned long index = 0;
         if (!m_defaultNamespace.empty()) {
             Put(0xCD);
-            NamePart(m_defaultNamespace, m_vocabulary->FindNamespaceNameIndex(m_defaultNamespace, index), index,
-                     &CFIVocabulary::AddNamespaceName);
+            NamespacePart(m_defaultNamespace);
         }
         for (auto const& entry : m_namespaces) {
             std::string const& uri = entry.first;
@@ -530,9 +543,8 @@ void CFastInfosetWriter::WriteElement(bool attributes)
             // A map entry without a prefix declares the default namespace.
             Put(prefix.empty() ? 0xCD : 0xCF);
             if (!prefix.empty())
-                NamePart(prefix, m_vocabulary->FindPrefixNameIndex(prefix, index), index,
-                         &CFIVocabulary::AddPrefixName);
-            NamePart(uri, m_vocabulary->FindNamespaceNameIndex(uri, index), index, &CFIVocabulary::AddNamespaceName);
+                PrefixPart(prefix);
+            NamespacePart(uri);
         }
         Put(kTerminator);
         first = 0;

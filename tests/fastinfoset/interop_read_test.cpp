@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -48,13 +49,30 @@ void WriteElement(CXmlWriter& writer, CXmlElement const* element)
     writer.WriteEndElement();
 }
 
+// Every URI of the tree, so that the document element can declare them all,
+// as the binding's root does with the prefixes of its context.
+void CollectURIs(CXmlElement const* element, std::set<std::string>& uris)
+{
+    uris.insert(element->GetNamespaceURI());
+    for (CXmlAttribute const* attribute : element->GetAttributes())
+        uris.insert(attribute->GetNamespaceURI());
+    for (CXmlElement const* child = element->GetFirstElement(); child; child = child->GetNextSiblingElement())
+        CollectURIs(child, uris);
+}
+
 std::string WriteBack(CXmlElement const* root)
 {
+    std::set<std::string> uris;
+    CollectURIs(root, uris);
+    uris.erase("");
     CFastInfosetContext context;
     CBinaryStream stream;
     {
         CFastInfosetWriter writer(context, stream);
         writer.Open();
+        int prefix = 0;
+        for (std::string const& uri : uris)
+            writer.AddNamespace("n" + std::to_string(++prefix), uri);
         writer.WriteStartDocument(FInfoDecl_10_Encoding);
         WriteElement(writer, root);
         writer.WriteEndDocument();
