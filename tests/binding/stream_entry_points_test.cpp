@@ -125,3 +125,30 @@ TEST_F(StreamEntryPointsTest, ZlibFramingIsForStreamsOnlyAndWritesNoFile)
               refused);
     EXPECT_EQ(fopen(path.c_str(), "rb"), nullptr);
 }
+
+TEST_F(StreamEntryPointsTest, FastInfosetComesBackFromStreamsAndFilesInEveryCompression)
+{
+    CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext;
+    unsigned long plainSize = 0;
+    for (CompressionType compression : {CompressionType_None, CompressionType_GZip, CompressionType_ZLib}) {
+        CBinaryData const data = order->ToFastInfosetStream(FInfoDecl_10_Encoding, context, compression);
+        if (compression == CompressionType_None)
+            plainSize = data.GetLength();
+        else
+            EXPECT_LT(data.GetLength(), plainSize);
+        CSmartPtr<CPurchaseOrder> back = new CPurchaseOrder();
+        back->FromXmlStream(data);
+        EXPECT_EQ(back->ToXml(false, false), expected) << "compression " << compression;
+    }
+    EXPECT_LT(plainSize, expected.size());
+
+    order->ToFastInfosetFile(path.c_str(), FInfoDecl_None, context, CompressionType_GZip);
+    EXPECT_EQ(FileBytes(path).substr(0, 2), "\x1F\x8B");
+    CSmartPtr<CPurchaseOrder> back = new CPurchaseOrder();
+    back->FromXmlFile(path.c_str());
+    EXPECT_EQ(back->ToXml(false, false), expected);
+
+    // No byte order mark in front of a Fast Infoset file.
+    order->ToFastInfosetFile(path.c_str(), FInfoDecl_None, context);
+    EXPECT_EQ(FileBytes(path).substr(0, 4), std::string("\xE0\x00\x00\x01", 4));
+}
