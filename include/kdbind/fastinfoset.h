@@ -376,8 +376,16 @@ private:
     bool CheckDeclaration(char const* text);
     void ReadOptionalData();
 
-    // The current byte becomes the cursor's, and the cursor moves on by n.
-    unsigned char const* Move(unsigned long n);
+    // The current byte becomes the cursor's, and the cursor moves on by n;
+    // a move past the end of the input fails. Every read goes through here.
+    unsigned char const* Move(unsigned long n)
+    {
+        if (!m_cursor || n > static_cast<unsigned long>(m_end - m_cursor))
+            FailEndOfFile();
+        m_current = m_cursor;
+        m_cursor += n;
+        return m_current;
+    }
     unsigned char Next() { return *Move(1); }
 
     unsigned long Integer1To2pw20Bit2();
@@ -390,6 +398,8 @@ private:
     unsigned long NonEmptyOctetStringBit5Length();
     unsigned long NonEmptyOctetStringBit7Length();
     void NonEmptyOctetUTF8String(unsigned long length);
+    // The conversion of bytes already taken into the last value.
+    void ConvertUTF8(unsigned char const* text, unsigned long length);
     void NonEmptyOctetUTF16BEString(unsigned long length);
     void NonEmptyOctetRestrictedAlphabetString(unsigned long length, unsigned long index);
     void NonEmptyOctetEncryptedString(unsigned long length, unsigned long index);
@@ -409,6 +419,12 @@ private:
     void ReadQName(std::vector<CFIVocabulary::CQNameParts>& table);
     // The URI and local name of entry m_lastIndex of a name table.
     void NameFromIndex(std::vector<CFIVocabulary::CQNameParts> const& table);
+    // The URI of the last name read: a table entry, or the last URI itself.
+    std::string const& LastURI() const;
+    // The document pool's copy of it, found once per namespace entry.
+    std::string const* PooledLastURI();
+    // A character chunk of the element on top of the stack.
+    void CharacterChunk();
     // Entry index of a string table.
     std::string const& TableEntry(std::vector<std::string> const& table, unsigned long index, char const* name);
 
@@ -454,6 +470,7 @@ private:
     void SkipNameSurrogate();
 
     [[noreturn]] void Fail(char const* message);
+    [[noreturn]] void FailEndOfFile();
 
     // Only read; the vocabulary it chose is all the reader takes from it.
     [[maybe_unused]] CFastInfosetContext const* m_context;
@@ -474,6 +491,12 @@ private:
     unsigned char* m_scratch = nullptr;  // owned, new[]: 128 wide, then 512 narrow characters
     unsigned long m_scratchSize = 0;
     CFIVocabulary* m_vocabulary;  // owned
+    // Index of the last name's URI in the namespace table; 0 for none, and
+    // kOwnURI when only m_lastURI holds it (a literal the full table refused).
+    unsigned long m_lastURIIndex = 0;
+    static constexpr unsigned long kOwnURI = ~0ul;
+    // By namespace index: the URI as the document's pool keeps it, or null.
+    std::vector<std::string const*> m_pooledURIs;
 };
 
 } // namespace KdBind

@@ -10,6 +10,7 @@
 
 #include "kdbind/binding.h"
 #include "kdbind/fastinfoset.h"
+#include "xmlinput/node_pool.h"
 
 namespace KdBind {
 
@@ -136,14 +137,7 @@ void CFastInfosetReader::ReadOptionalData()
 
 // --- Stepping ---------------------------------------------------------------
 
-unsigned char const* CFastInfosetReader::Move(unsigned long n)
-{
-    if (!m_cursor || n > static_cast<unsigned long>(m_end - m_cursor))
-        Fail(kEndOfFile);
-    m_current = m_cursor;
-    m_cursor += n;
-    return m_current;
-}
+void CFastInfosetReader::FailEndOfFile() { Fail(kEndOfFile); }
 
 // --- Integers ---------------------------------------------------------------
 
@@ -282,9 +276,11 @@ unsigned long CFastInfosetReader::NonEmptyOctetStringBit7Length()
     return FourOctets(Move(4)) + 259;
 }
 
-void CFastInfosetReader::NonEmptyOctetUTF8String(unsigned long length)
+void CFastInfosetReader::NonEmptyOctetUTF8String(unsigned long length) { ConvertUTF8(Move(length), length); }
+
+void CFastInfosetReader::ConvertUTF8(unsigned char const* bytes, unsigned long length)
 {
-    unsigned char* text = const_cast<unsigned char*>(Move(length));
+    unsigned char* text = const_cast<unsigned char*>(bytes);
     if (length > static_cast<unsigned long>(INT_MAX))
         Fail(kEndOfFile);
     wchar_t* const wide = reinterpret_cast<wchar_t*>(m_scratch);
@@ -533,8 +529,14 @@ void CFastInfosetReader::ReadQName(std::vector<CFIVocabulary::CQNameParts>& tabl
     m_lastURI.clear();
     if (hasPrefix)
         prefix = part(m_vocabulary->GetPrefixNamesTable().m_values, "prefix", m_lastPrefix);
-    if (hasNamespace)
+    if (hasNamespace) {
+        std::vector<std::string> const& uris = m_vocabulary->GetNamespaceNamesTable().m_values;
         uri = part(m_vocabulary->GetNamespaceNamesTable().m_values, "namespace name", m_lastURI);
+        // A literal the full table did not take is known by its text alone.
+        m_lastURIIndex = uri <= uris.size() && uris[uri - 1] == m_lastURI ? uri : kOwnURI;
+    } else {
+        m_lastURIIndex = 0;
+    }
     unsigned long const local = part(m_vocabulary->GetLocalNamesTable().m_values, "local name", m_lastLocalName);
     CFIVocabulary::AddQNameToVector(prefix, uri, local, table);
 }
@@ -548,12 +550,32 @@ void CFastInfosetReader::NameFromIndex(std::vector<CFIVocabulary::CQNameParts> c
         throw CKdException(message);
     }
     CFIVocabulary::CQNameParts const& name = table[m_lastIndex - 1];
-    if (name.m_namespaceIndex == 0)
-        m_lastURI.clear();
-    else
-        m_lastURI = TableEntry(m_vocabulary->GetNamespaceNamesTable().m_values, name.m_namespaceIndex,
-                               "namespace name");
+    if (name.m_namespaceIndex != 0)
+        TableEntry(m_vocabulary->GetNamespaceNamesTable().m_values, name.m_namespaceIndex, "namespace name");
+    m_lastURIIndex = name.m_namespaceIndex;
     m_lastLocalName = TableEntry(m_vocabulary->GetLocalNamesTable().m_values, name.m_localNameIndex, "local name");
+}
+
+std::string const& CFastInfosetReader::LastURI() const
+{
+    static std::string const none;
+    if (m_lastURIIndex == 0)
+        return none;
+    if (m_lastURIIndex == kOwnURI)
+        return m_lastURI;
+    return m_vocabulary->GetNamespaceNamesTable().m_values[m_lastURIIndex - 1];
+}
+
+std::string const* CFastInfosetReader::PooledLastURI()
+{
+    if (m_lastURIIndex == kOwnURI)
+        return m_document->NodePool()->Intern(std::string(m_lastURI));
+    if (m_lastURIIndex >= m_pooledURIs.size())
+        m_pooledURIs.resize(m_lastURIIndex + 1, nullptr);
+    std::string const*& pooled = m_pooledURIs[m_lastURIIndex];
+    if (!pooled)
+        pooled = m_document->NodePool()->Intern(std::string(LastURI()));
+    return pooled;
 }
 
 // --- Tree -------------------------------------------------------------------
@@ -607,16 +629,7 @@ void CFastInfosetReader::ElementBit2()
             if (ElementStart())
                 ++open;
         } else if (octet < 0xC0) {
-            std::vector<std::string>& chunks = m_vocabulary->GetCharacterChunksTable().m_values;
-            std::string const* text;
-            if (NonIdentifyingStringOrIndexBit3() == 1) {
-                text = &TableEntry(chunks, m_lastIndex, "character chunk");
-            } else {
-                if (m_addToTable)
-                    CFIVocabulary::AddValueToVector(m_lastValue, chunks);
-                text = &m_lastValue;
-            }
-            CXmlDocument::AppendTextExcludingCR(m_document->GetElementStack().back(), text->data(), text->size());
+            CharacterChunk();
         } else if (octet == 0xE1) {
             ProcessingInstruction();
         } else if (octet == 0xE2) {
@@ -627,6 +640,39 @@ void CFastInfosetReader::ElementBit2()
             Fail(kBadElement);
         }
     }
+}
+
+// An index takes the text from the table of chunks, and a literal with the
+// add flag joins it; either way the text is appended to the element. Plain
+// ASCII literals, the common case, go from the input to the element with no
+// string in between.
+void CFastInfosetReader::CharacterChunk()
+{
+    CXmlElement* const element = m_document->GetElementStack().back();
+    std::vector<std::string>& chunks = m_vocabulary->GetCharacterChunksTable().m_values;
+    unsigned char const octet = *m_current;
+    if ((octet & 0x2C) == 0) {  // a literal in UTF-8
+        bool const add = (octet & 0x10) != 0;
+        unsigned long const length = NonEmptyOctetStringBit7Length();
+        unsigned char* const bytes = const_cast<unsigned char*>(Move(length));
+        char const* const text = reinterpret_cast<char const*>(bytes);
+        if (ASCII_ONLY || !DoesUTF8StrContainAnyCharsLargerThanOneByte(bytes, length)) {
+            if (add)
+                CFIVocabulary::AddValueToVector(
+                    std::string(text, ASCII_ONLY ? length : strnlen(text, length)), chunks);
+            CXmlDocument::AppendTextExcludingCR(element, text, length);
+            return;
+        }
+        m_addToTable = add;
+        ConvertUTF8(bytes, length);
+    } else if (NonIdentifyingStringOrIndexBit3() == 1) {
+        std::string const& text = TableEntry(chunks, m_lastIndex, "character chunk");
+        CXmlDocument::AppendTextExcludingCR(element, text.data(), text.size());
+        return;
+    }
+    if (m_addToTable)
+        CFIVocabulary::AddValueToVector(m_lastValue, chunks);
+    CXmlDocument::AppendTextExcludingCR(element, m_lastValue.data(), m_lastValue.size());
 }
 
 bool CFastInfosetReader::ElementStart()
@@ -641,9 +687,15 @@ bool CFastInfosetReader::ElementStart()
     }
     if (QualifiedNameOrIndexBit3(names) == 1)
         NameFromIndex(names);
-    CXmlElement* const element = m_document->GetDocumentElement()
-                                     ? m_document->AddChildElement(m_lastURI.c_str(), m_lastLocalName.c_str())
-                                     : m_document->AddDocElement(m_lastURI.c_str(), m_lastLocalName.c_str());
+    // The document element first, then children of the open element, as
+    // AddDocElement and AddChildElement make them; the URI comes from the
+    // pool by its table index, without a lookup by text per element.
+    CXmlElement* const element = m_document->OpenElement();
+    if (m_lastURIIndex == 0)
+        element->SetNamespace(std::string());
+    else
+        element->SetPooledNamespace(PooledLastURI());
+    element->SetElementName(m_lastLocalName);
     if (first & 0x40) {
         while (!(Next() & 0x80))
             AtrributeBit2(element);
@@ -669,7 +721,7 @@ void CFastInfosetReader::AtrributeBit2(CXmlElement* element)
     } else if (m_addToTable) {
         CFIVocabulary::AddValueToVector(m_lastValue, values);
     }
-    CXmlDocument::AddElementAttribute(element, m_lastLocalName, m_lastValue, m_lastURI);
+    CXmlDocument::AddElementAttribute(element, m_lastLocalName, m_lastValue, LastURI());
 }
 
 void CFastInfosetReader::NamespaceAttributeBit7()
