@@ -40,10 +40,10 @@ struct StreamEntryPointsTest : ::testing::Test {
             item->SetPartNum(std::to_string(100 + i) + "-AB");
             item->SetProductName("Widget & gadget");
             item->SetQuantity(i + 1);
-            item->SetUSPrice(2.5 * i);
+            item->SetUSPrice(CDecimal(std::to_string(i * 5 / 2).c_str()));
             order->GetLineItems().Add(item);
         }
-        order->GetTotals().SetSubtotal(475);
+        order->GetTotals().SetSubtotal(CDecimal("475"));
         order->GetTotals().SetItemCount(20);
         return order;
     }
