@@ -65,7 +65,8 @@ void CFastInfosetReader::Fail(char const* message)
 bool CFastInfosetReader::Parse()
 {
     m_cursor = m_document->GetInputBuffer();
-    if (!m_cursor || !m_vocabulary)
+    // An empty input (an empty compressed stream expands to one) is not ours.
+    if (!m_cursor || !m_vocabulary || m_document->GetInputLength() == 0)
         return false;
     m_end = m_cursor + m_document->GetInputLength();
     if (!ReadHeader())

@@ -79,4 +79,9 @@ TEST(InputFormRecognitionTest, CorruptCompressedDataIsTakenForTextAndFailsThere)
     std::string const message = FailureOf([&] { TreeFromStream(bytes); });
     EXPECT_NE(message, "<no failure>");
     EXPECT_EQ(message.find("compress"), std::string::npos) << message;
+
+    // A complete stream of nothing expands to no input at all.
+    std::string const emptyGzip("\x1F\x8B\x08\x00\x00\x00\x00\x00\x00\x03\x03\x00\x00\x00\x00\x00\x00\x00\x00\x00",
+                                20);
+    EXPECT_NE(FailureOf([&] { TreeFromStream(emptyGzip); }), "<no failure>");
 }
