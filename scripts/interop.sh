@@ -35,3 +35,5 @@ mkdir -p "$out/docs" "$out/classes"
 javac -nowarn -d "$out/classes" -cp "$jar" "$here/interop/FastInfosetInterop.java"
 KDBIND_INTEROP_DIR="$out/docs" "$build_dir/tests/kdbind_test_fastinfoset" --gtest_brief=1 >/dev/null
 java -cp "$out/classes:$jar" FastInfosetInterop "$out/docs"
+# The reading direction: documents of the Java encoder, plain and compressed.
+"$here/interop-read.sh" "$build_dir" "$jar"

@@ -370,6 +370,160 @@ private:
     std::unordered_map<std::string, unsigned long> m_attributeValueCache;
 };
 
+// ---------------------------------------------------------------------------
+// The Fast Infoset reader: decodes a document's input buffer into the same
+// tree the text reader builds (elements, attributes, text and namespace
+// prefixes; everything else is stepped over). One reader serves one Parse.
+// Methods are named after the item they read and the bit of the current
+// octet at which it starts.
+// ---------------------------------------------------------------------------
+
+class CFastInfosetReader : private CInstanceMonitor {
+public:
+    // Starts from a copy of the context's vocabulary when the context says
+    // to use it, and from a new one otherwise, as the writer does. Both
+    // references must outlive the reader.
+    CFastInfosetReader(CFastInfosetContext const& context, CXmlDocument& document);
+    CFastInfosetReader(CFastInfosetReader const&) = delete;
+    CFastInfosetReader& operator=(CFastInfosetReader const&) = delete;
+    ~CFastInfosetReader() override;
+
+    // False, quickly and without failure, when the input does not start as
+    // Fast Infoset; true once a document was read into the tree. A document
+    // that starts as Fast Infoset and is malformed fails with CKdException.
+    bool Parse();
+    // Frees the vocabulary and the scratch buffer; safe to run twice.
+    void Cleanup();
+
+private:
+    bool ReadHeader();
+    bool CheckHeader();
+    bool CheckDeclaration(char const* text);
+    void ReadOptionalData();
+
+    // The current byte becomes the cursor's, and the cursor moves on by n;
+    // a move past the end of the input fails. Every read goes through here.
+    unsigned char const* Move(unsigned long n)
+    {
+        if (!m_cursor || n > static_cast<unsigned long>(m_end - m_cursor))
+            FailEndOfFile();
+        m_current = m_cursor;
+        m_cursor += n;
+        return m_current;
+    }
+    unsigned char Next() { return *Move(1); }
+
+    unsigned long Integer1To2pw20Bit2();
+    unsigned long Integer0To2pw20Bit2();
+    unsigned long Integer1To2pw20Bit3();
+    unsigned long Integer1To2pw20Bit4();
+    unsigned long LengthOfSequence();
+
+    unsigned long NonEmptyOctetStringBit2Length();
+    unsigned long NonEmptyOctetStringBit5Length();
+    unsigned long NonEmptyOctetStringBit7Length();
+    void NonEmptyOctetUTF8String(unsigned long length);
+    // The conversion of bytes already taken into the last value.
+    void ConvertUTF8(unsigned char const* text, unsigned long length);
+    void NonEmptyOctetUTF16BEString(unsigned long length);
+    void NonEmptyOctetRestrictedAlphabetString(unsigned long length, unsigned long index);
+    void NonEmptyOctetEncryptedString(unsigned long length, unsigned long index);
+    void InitBits(unsigned long bits);
+    unsigned long GetBits();
+
+    int IdentifyingStringOrIndex();
+    int NonIdentifyingStringOrIndexBit1();
+    int NonIdentifyingStringOrIndexBit3();
+    void EncodedCharacterStringBit3();
+    void EncodedCharacterStringBit5();
+    // The shared tail of the two: form 0 to 3, the length already read.
+    void EncodedCharacterString(unsigned long form, unsigned long length, unsigned long index);
+
+    int QualifiedNameOrIndexBit2(std::vector<CFIVocabulary::CQNameParts>& table);
+    int QualifiedNameOrIndexBit3(std::vector<CFIVocabulary::CQNameParts>& table);
+    void ReadQName(std::vector<CFIVocabulary::CQNameParts>& table);
+    // The URI and local name of entry m_lastIndex of a name table.
+    void NameFromIndex(std::vector<CFIVocabulary::CQNameParts> const& table);
+    // The URI of the last name read: a table entry, or the last URI itself.
+    std::string const& LastURI() const;
+    // The document pool's copy of it, found once per namespace entry.
+    std::string const* PooledLastURI();
+    // A character chunk of the element on top of the stack.
+    void CharacterChunk();
+    // Entry index of a string table.
+    std::string const& TableEntry(std::vector<std::string> const& table, unsigned long index, char const* name);
+
+    void ReadChildren();
+    void ElementBit2();
+    // The start of an element, its first octet current: name, namespace
+    // attributes and attributes. False when its attributes also ended it.
+    bool ElementStart();
+    void PopElement();
+    void AtrributeBit2(CXmlElement* element);
+    void NamespaceAttributeBit7();
+
+    void Version();
+    void Standalone();
+    void CharacterEncodingScheme();
+    void AdditionalData();
+    void InitialVocabulary();
+    void ExternalVocabulary();
+    void RestrictedAlphabets();
+    void EncodingAlogrithms();
+    void Prefixes();
+    void NamespaceNames();
+    void LocalNames();
+    void OtherNCNames();
+    void OtherURIs();
+    void AttributeValues();
+    void ContentCharacterChunks();
+    void OtherStrings();
+    void ElementNameSurrogates();
+    void AttributeNameSurrogates();
+    void Notations();
+    void NotationBit7();
+    void UnparsedEntities();
+    void UnparsedEntityBit8();
+    void ProcessingInstruction();
+    void DocumentTypeDeclarationBit7();
+    void UnexpandedEntityReferenceBit7();
+    // Steps over a literal octet string whose length starts on bit 2.
+    void SkipOctetStringBit2();
+    // Steps over a list of items, each read by item.
+    void SkipList(void (CFastInfosetReader::*item)());
+    void SkipEncodedStringBit3();
+    void SkipNameSurrogate();
+
+    [[noreturn]] void Fail(char const* message);
+    [[noreturn]] void FailEndOfFile();
+
+    // Only read; the vocabulary it chose is all the reader takes from it.
+    [[maybe_unused]] CFastInfosetContext const* m_context;
+    CXmlDocument* m_document;
+    unsigned char const* m_cursor = nullptr;   // the next unread byte
+    unsigned char const* m_current = nullptr;  // the byte most recently taken
+    unsigned char const* m_end = nullptr;      // one past the input
+    unsigned long m_bitsPerItem = 0;
+    unsigned long m_bitsLeft = 0;
+    unsigned char m_bitBuffer = 0;
+    std::string m_lastPrefix;
+    std::string m_lastURI;
+    std::string m_lastLocalName;
+    bool m_doubleTerminator = false;
+    std::string m_lastValue;
+    unsigned long m_lastIndex = 0;
+    bool m_addToTable = false;
+    unsigned char* m_scratch = nullptr;  // owned, new[]: 128 wide, then 512 narrow characters
+    unsigned long m_scratchSize = 0;
+    CFIVocabulary* m_vocabulary;  // owned
+    // Index of the last name's URI in the namespace table; 0 for none, and
+    // kOwnURI when only m_lastURI holds it (a literal the full table refused).
+    unsigned long m_lastURIIndex = 0;
+    static constexpr unsigned long kOwnURI = ~0ul;
+    // By namespace index: the URI as the document's pool keeps it, or null.
+    std::vector<std::string const*> m_pooledURIs;
+};
+
 } // namespace KdBind
 
 #endif

@@ -692,6 +692,36 @@ private:
 };
 
 // ---------------------------------------------------------------------------
+// Compression: gzip (1) or zlib (2) framing on the way out, recognition and
+// expansion of either on the way in. Blocks are new[] arrays; ownership
+// passes in and out through data, and the old block is freed on success.
+// ---------------------------------------------------------------------------
+
+class CKdZip : private CInstanceMonitor {
+public:
+    CKdZip() : CInstanceMonitor("CKdZip") {}
+    ~CKdZip() override = default;
+
+    // Compresses at level 1 into a buffer no larger than the input: a block
+    // that does not shrink fails. Types other than 1 and 2 leave it alone.
+    static void Compress(unsigned char** data, unsigned long* size, CompressionType type);
+    // The same over a CBinaryData; an empty block stays empty. On failure the
+    // block has already left data, which stays empty.
+    static void CompressData(CBinaryData& data, CompressionType type);
+    // Replaces the block by its expansion when it is a complete gzip or zlib
+    // stream; anything else (plain text, Fast Infoset, truncated or corrupt
+    // streams) is left as it is, with no failure. An expansion that would
+    // pass GetMaxExpandedSize is refused with CKdException instead, so that
+    // a small hostile block cannot claim unbounded memory.
+    static void Decompress(unsigned char** data, unsigned long* size);
+
+    // The largest expansion Decompress accepts, 1 GiB unless set otherwise.
+    // Process-wide, like the other switches: set it before work starts.
+    static void SetMaxExpandedSize(unsigned long bytes);
+    static unsigned long GetMaxExpandedSize();
+};
+
+// ---------------------------------------------------------------------------
 // The tagged value: one ItemType tag and one word of payload. It is how
 // values cross between the engine and generated code.
 // ---------------------------------------------------------------------------

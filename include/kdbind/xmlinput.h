@@ -142,6 +142,7 @@ public:
 private:
     friend class CXmlDocument;
     friend class CExpatReader;
+    friend class CFastInfosetReader;
     // An element of a parsed tree: its children and attributes are made in
     // the same pool.
     CXmlElement(CXmlDocument const* document, CNodePool* pool);
@@ -225,6 +226,7 @@ private:
     CNodePool* m_nodePool = nullptr;  // made with the first element
 
     friend class CExpatReader;
+    friend class CFastInfosetReader;
     CNodePool* NodePool();
     // Makes the document element or a child of the open element, and opens it.
     CXmlElement* OpenElement();

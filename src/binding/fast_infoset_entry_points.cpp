@@ -6,8 +6,6 @@ namespace KdBind {
 CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, CXmlSerializationContext const& context,
                                                 CompressionType compression) const
 {
-    if (compression != CompressionType_None)
-        throw CKdException("ToFastInfosetStream with compression is not available in this version of the library");
     CBinaryStream stream;
     {
         CFastInfosetWriter writer(context.GetFIContext(), stream);
@@ -18,7 +16,10 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, CXmlSeria
         writer.WriteEndDocument();
         writer.Close();
     }
-    return stream.GetBinaryStream();
+    CBinaryData result = stream.GetBinaryStream();
+    if (compression != CompressionType_None)
+        CKdZip::CompressData(result, compression);
+    return result;
 }
 
 } // namespace KdBind

@@ -11,36 +11,6 @@ namespace {
 }
 } // namespace
 
-void CXmlObjectBase::ToXmlFile(char const*, bool, bool, XmlEncoding, EOLType, CXmlSerializationContext const&,
-                               CompressionType) const
-{
-    NotAvailable("ToXmlFile");
-}
-
-void CXmlObjectBase::ToFastInfosetFile(char const*, FInfoDecl, CXmlSerializationContext const&,
-                                       CompressionType) const
-{
-    NotAvailable("ToFastInfosetFile");
-}
-
-CBinaryData CXmlObjectBase::ToXmlStream(bool, bool, XmlEncoding, EOLType, CXmlSerializationContext const&,
-                                        CompressionType) const
-{
-    NotAvailable("ToXmlStream");
-}
-
-void CXmlObjectBase::FromXmlFile(char const*, CXmlSerializationContext const&) { NotAvailable("FromXmlFile"); }
-
-void CXmlObjectBase::FromXmlStream(unsigned char*, unsigned long, CXmlSerializationContext const&)
-{
-    NotAvailable("FromXmlStream");
-}
-
-void CXmlObjectBase::FromXmlStream(CBinaryData const&, CXmlSerializationContext const&)
-{
-    NotAvailable("FromXmlStream");
-}
-
 void CXmlObjectBase::FromXmlElement(CElement const*, CXmlSerializationContext const&)
 {
     NotAvailable("FromXmlElement");

@@ -54,9 +54,12 @@ void CXmlDocument::LoadXmlStream(unsigned char* data, unsigned long length)
 
 void CXmlDocument::Parse()
 {
-    // Recognition of compressed and Fast Infoset input joins here, ahead of
-    // the text parser, once their readers exist.
-    ParseText();
+    // Compressed input is expanded in place; anything else passes through.
+    CKdZip::Decompress(&m_inputBuffer, &m_inputLength);
+    // Fast Infoset answers quickly when the data is not its own.
+    CFastInfosetReader reader(GetContext().GetFIContext(), *this);
+    if (!reader.Parse())
+        ParseText();
 }
 
 } // namespace KdBind
