@@ -28,7 +28,7 @@ struct StreamEntryPointsTest : ::testing::Test {
     static CSmartPtr<CPurchaseOrder> Order()
     {
         CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
-        order->SetOrderDate("2026-11-21");
+        order->SetOrderDate(CDateTime(2026, 11, 21));
         CUSAddress& shipTo = order->GetShipTo();
         shipTo.SetName("Zoe Unal");
         shipTo.SetStreet("1 Main St");

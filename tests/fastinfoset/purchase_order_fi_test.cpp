@@ -23,7 +23,7 @@ struct PurchaseOrderFastInfosetTest : ::testing::Test {
     static CSmartPtr<CPurchaseOrder> Order(int lineItems, bool details = false)
     {
         CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
-        order->SetOrderDate("2026-11-21");
+        order->SetOrderDate(CDateTime(2026, 11, 21));
         order->SetStatus(OrderStatus_shipped);
         CUSAddress& shipTo = order->GetShipTo();
         shipTo.SetName("Alice Smith");
