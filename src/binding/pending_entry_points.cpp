@@ -46,9 +46,4 @@ void CXmlObjectBase::FromXmlStream(CBinaryData const&, CXmlSerializationContext 
     NotAvailable("FromXmlStream");
 }
 
-void CXmlObjectBase::FromXmlElement(CElement const*, CXmlSerializationContext const&)
-{
-    NotAvailable("FromXmlElement");
-}
-
 } // namespace KdBind
