@@ -145,7 +145,8 @@ public:
         CXmlWriterContext(std::string const& name, std::string const& uri, CXmlWriterContext* parent);
         CXmlWriterContext(CXmlWriterContext const&) = delete;
         CXmlWriterContext& operator=(CXmlWriterContext const&) = delete;
-        // Destroys the parent too: destroying the top destroys the stack.
+        // Destroys the parents too, one after the other: destroying the top
+        // destroys the stack.
         ~CXmlWriterContext() override;
 
         NamespaceMap* GetNamespaceMap() const;
@@ -178,6 +179,10 @@ public:
         NamespaceMap* m_namespaces;
         bool m_inheritsScope;
         bool m_ownsMap;
+        // The nearest context, this one included, with a scope of its own:
+        // found once when the element opens, since only the innermost open
+        // element ever takes a scope of its own.
+        CXmlWriterContext const* m_scopeOwner;
 
     public:
         // The prefix the start tag was written with and the map it stands in:

@@ -13,14 +13,14 @@ CXmlWriterContext::CXmlWriterContext(std::string const& name, std::string const&
                                      CXmlWriterContext* parent)
     : CInstanceMonitor("CXmlWriterContext"), m_depth(parent ? parent->m_depth + 1 : 0), m_uri(uri), m_name(name),
       m_parent(parent), m_defaultNamespace(defaultNamespace), m_namespaces(new NamespaceMap(namespaces)),
-      m_inheritsScope(false), m_ownsMap(true)
+      m_inheritsScope(false), m_ownsMap(true), m_scopeOwner(this)
 {
 }
 
 CXmlWriterContext::CXmlWriterContext(std::string const& name, std::string const& uri, CXmlWriterContext* parent)
     : CInstanceMonitor("CXmlWriterContext"), m_depth(parent ? parent->m_depth + 1 : 0), m_uri(uri), m_name(name),
       m_parent(parent), m_namespaces(parent ? parent->GetNamespaceMap() : nullptr), m_inheritsScope(true),
-      m_ownsMap(false)
+      m_ownsMap(false), m_scopeOwner(parent ? parent->m_scopeOwner : this)
 {
 }
 
@@ -42,23 +42,25 @@ void CXmlWriterContext::Reuse(std::string const& name, std::string const& uri, C
     m_namespaces = parent->GetNamespaceMap();
     m_inheritsScope = true;
     m_ownsMap = false;
+    m_scopeOwner = parent->m_scopeOwner;
 }
 
 CXmlWriterContext::~CXmlWriterContext()
 {
     if (m_ownsMap)
         delete m_namespaces;
-    delete m_parent;
+    // A stack as deep as the document is freed without recursion.
+    CXmlWriterContext* parent = m_parent;
+    while (parent) {
+        CXmlWriterContext* const next = parent->m_parent;
+        parent->m_parent = nullptr;
+        delete parent;
+        parent = next;
+    }
 }
 
 // The nearest context, this one included, that has a scope of its own.
-CXmlWriterContext const* CXmlWriterContext::ScopeOwner() const
-{
-    CXmlWriterContext const* context = this;
-    while (context->m_inheritsScope && context->m_parent)
-        context = context->m_parent;
-    return context;
-}
+CXmlWriterContext const* CXmlWriterContext::ScopeOwner() const { return m_scopeOwner; }
 
 CXmlWriter::NamespaceMap* CXmlWriterContext::GetNamespaceMap() const { return ScopeOwner()->m_namespaces; }
 
@@ -73,6 +75,7 @@ void CXmlWriterContext::TakeOwnScope()
     m_namespaces = inherited ? new NamespaceMap(*inherited) : new NamespaceMap();
     m_ownsMap = true;
     m_inheritsScope = false;
+    m_scopeOwner = this;
 }
 
 void CXmlWriterContext::SetDefaultNamespace(std::string const& uri)
