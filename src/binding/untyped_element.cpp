@@ -81,10 +81,11 @@ CElement::CElement(CXmlObjectBase* object, char const* defaultNamespace) : CInst
     m_defaultNamespace = TextOrEmpty(defaultNamespace);
     CXmlSerializationContext context;
     context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
-    CBinaryData const data =
-        object->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context, CompressionType_None);
+    // No declaration, no formatting; the text goes back through the parser
+    // as the narrow FromXml reads text.
+    std::string const xml = object->ToXml(false, false, EOLType_LF, context);
     CXmlDocument document(context);
-    document.LoadXmlStream(const_cast<unsigned char*>(data.GetData()), data.GetLength());
+    document.LoadXml(xml.c_str());
     CopyXmlElement(document.GetDocumentElement());
 }
 
