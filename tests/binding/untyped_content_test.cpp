@@ -40,7 +40,7 @@ public:
         any = new CElementCol("", "##other", NAMESPACE, 0, -1);
         extra = new CAttributeCol("", "##other", NAMESPACE);
     }
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "envelope", NAMESPACE,
                                        -1, true, false),
@@ -71,7 +71,7 @@ public:
         Exchange(propertyId == Property_Pickup ? pickup : any, readAccess, value);
     }
     void Init() override {}
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_Choice, XmlElementType_Element, "choice", NAMESPACE, -1,
                                        true, false),
