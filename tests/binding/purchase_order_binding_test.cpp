@@ -88,8 +88,10 @@ TEST_F(PurchaseOrderBindingTest, FailuresNameThePathFromTheRoot)
               "Failed to process the element [purchaseOrder]\nFailed to process the element [lineItem]\n"
               "Failed read all the elements held within the element [lineItem]. The unexpected element [details] "
               "remains un processed");
-    EXPECT_EQ(Failure(Document(LineItem()).replace(0, 14, "<purchaseOrder partNum='x'")),
-              "Failed to process the element [purchaseOrder]\nUnexpected Attribute [partNum] found.");
+    std::string misplaced = Document(LineItem());
+    misplaced.replace(misplaced.find("<shipTo"), 7, "<shipTo partNum='x'");
+    EXPECT_EQ(Failure(misplaced), "Failed to process the element [purchaseOrder]\nFailed to process the element "
+                                  "[shipTo]\nUnexpected Attribute [partNum] found.");
     EXPECT_EQ(Failure("<purchaseOrder xmlns='urn:kdbind:example:po' orderDate='d'/>"),
               "Failed to process the element [purchaseOrder]\nFailed to find a required element [shipTo]");
 }
