@@ -55,6 +55,10 @@ def collect(node, scope, wanted, defined):
     name = node.get("name", "")
     if kind in FUNCTIONS and "mangledName" in node:
         symbol = node["mangledName"]
+        if kind == "CXXConstructorDecl":
+            # The base-object constructor: clang makes no complete-object
+            # one for an abstract class.
+            symbol = symbol.replace("C1E", "C2E", 1)
         if needs_no_definition(node):
             defined.add(symbol)
         else:

@@ -89,6 +89,8 @@ CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value, ch
 
 CSmartPtr<CAttribute> CAttributeCol::Add(CAttribute* attribute)
 {
+    if (!attribute)
+        throw CKdInvalidParamException("A null attribute cannot be added to the collection");
     // Held across AppendItem: a listener that refuses the add leaves no leak.
     CSmartPtr<CAttribute> held = attribute;
     AppendItem(attribute);
