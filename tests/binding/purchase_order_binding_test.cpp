@@ -135,3 +135,29 @@ TEST_F(PurchaseOrderBindingTest, UnknownSubstitutionLeavesTheDetailsUnreadAndFai
               "Failed read all the elements held within the element [lineItem]. The unexpected element [details] "
               "remains un processed");
 }
+
+TEST_F(PurchaseOrderBindingTest, ExtensionPointTakesOneForeignElementAndForeignAttributes)
+{
+    std::string const foreign = "<t:track xmlns:t='urn:t' t:by='x'><t:n>1</t:n><stop/></t:track>";
+    std::string xml = Document(LineItem());
+    xml.insert(xml.rfind("</purchaseOrder>"), foreign);
+    xml.insert(xml.find(" orderDate"), " xmlns:u='urn:u' u:route='north'");
+    CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
+    order->FromXml(xml.c_str());
+    ASSERT_NE(order->GetExtension(), nullptr);
+    EXPECT_EQ(order->GetExtension()->GetChildren()->GetCount(), 2);
+    EXPECT_EQ(order->GetExtensionAttributes().Item(0)->GetValue(), "north");
+    std::string const written = order->ToXml(false, false);
+    EXPECT_NE(written.find("AB:route=\"north\""), std::string::npos) << written;
+    CSmartPtr<CPurchaseOrder> copy = new CPurchaseOrder();
+    copy->FromXml(written.c_str());
+    EXPECT_EQ(copy->ToXml(false, false), written);
+
+    // One element only, and none of the order's own namespace.
+    EXPECT_EQ(Failure(Document(LineItem()).insert(Document(LineItem()).rfind("</purchaseOrder>"), foreign + foreign)),
+              "Failed to process the element [purchaseOrder]\nFailed read all the elements held within the element "
+              "[purchaseOrder]. The unexpected element [track] remains un processed");
+    EXPECT_EQ(Failure(Document(LineItem()).insert(Document(LineItem()).rfind("</purchaseOrder>"), "<extra/>")),
+              "Failed to process the element [purchaseOrder]\nFailed read all the elements held within the element "
+              "[purchaseOrder]. The unexpected element [extra] remains un processed");
+}
