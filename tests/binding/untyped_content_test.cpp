@@ -3,6 +3,8 @@
 // additional root attributes, and trees deeper than any stack.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "binding/binding_test_types.h"
 
 using namespace BindingTest;
@@ -296,6 +298,16 @@ TEST(UntypedContentTest, AdditionalRootAttributesAreSharedByLaterCopiesAndWritte
               0u)
         << xml;
     EXPECT_EQ(xml.find("schemaLocation", 150), std::string::npos) << xml;
+
+    // Threads that ask a fresh context at once agree on one collection.
+    for (int round = 0; round < 20; ++round) {
+        Context shared;
+        CAttributeCol* seen[2] = {};
+        std::thread first([&] { seen[0] = shared.GetAdditionalRootAttributes().get(); });
+        std::thread second([&] { seen[1] = shared.GetAdditionalRootAttributes().get(); });
+        first.join(), second.join();
+        ASSERT_EQ(seen[0], seen[1]);
+    }
 }
 
 TEST(UntypedContentTest, ObjectsTurnIntoElementsAndBack)
