@@ -23,9 +23,10 @@ void CPurchaseOrder::Init()
     m_billTo = nullptr;
     m_comment.reset();
     m_priority.reset();
+    m_timestamp.reset();
     m_lineItems = new CLineItemCol();
     m_totals = new COrderTotals();
-    m_orderDate.clear();
+    m_orderDate.Clear();
     m_status = OrderStatus_open;
     m_extension = nullptr;
     m_extensionAttributes = new KdBind::CAttributeCol("", "##other", NAMESPACE);
@@ -72,6 +73,12 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
         else if (m_priority)
             value.SetI4(*m_priority);
         break;
+    case Property_Timestamp:
+        if (!readAccess)
+            m_timestamp = value.GetDateTime();
+        else if (m_timestamp)
+            value.SetDateTime(*m_timestamp);
+        break;
     case Property_LineItems:
         if (readAccess)
             value.SetXmlCollection(m_lineItems);
@@ -84,9 +91,9 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
         break;
     case Property_OrderDate:
         if (readAccess)
-            value.SetString(m_orderDate);
+            value.SetDate(m_orderDate);
         else
-            m_orderDate = value.GetString();
+            m_orderDate = value.GetDate();
         break;
     case Property_Status:
         if (!readAccess)
@@ -119,7 +126,7 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
 {
     return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
-        return new CElementInfo*[8]{
+        return new CElementInfo*[9]{
             new CElementInfoSeqClsMnd("shipTo", NAMESPACE, Property_ShipTo, XmlElementType_Element, &CreateObject,
                                       ClassId_USAddress, false),
             new CElementInfoSeqClsOpt("billTo", NAMESPACE, Property_BillTo, XmlElementType_Element, &CreateObject,
@@ -128,6 +135,8 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
                                        CWhitespaceUtils::WhitespaceRule_Preserve, none),
             new CElementInfoSeqEnumOpt("priority", NAMESPACE, Property_Priority, &PriorityToString,
                                        &PriorityFromString),
+            new CElementInfoSeqPrimOpt("timestamp", NAMESPACE, Property_Timestamp, KdBind::ItemType_datetime,
+                                       nullptr, CWhitespaceUtils::WhitespaceRule_Collapse, none),
             new CElementInfoSeqClsCol("lineItem", NAMESPACE, Property_LineItems, XmlElementType_Element),
             new CElementInfoSeqClsMnd("OrderTotals", NAMESPACE, Property_Totals, XmlElementType_PseudoChild,
                                       &CreateObject, ClassId_OrderTotals, true),
@@ -140,7 +149,7 @@ CAttributeInfo** CPurchaseOrder::GetClassAttributeInfo() const
 {
     return m_tables.attributeInfo.Get([] {
         return new CAttributeInfo*[4]{
-            new CAttributeInfoPrimitive("orderDate", "", Property_OrderDate, false, KdBind::ItemType_string, nullptr,
+            new CAttributeInfoPrimitive("orderDate", "", Property_OrderDate, false, KdBind::ItemType_date, nullptr,
                                         CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
             new CAttributeInfoEnum("status", "", Property_Status, true, &OrderStatusToString, &OrderStatusFromString,
                                    "open"),
