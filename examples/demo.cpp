@@ -98,6 +98,27 @@ char const kBrokenDocument[] =
     "\t<po:itemCount>0</po:itemCount>\n"
     "</po:purchaseOrder>\n";
 
+// An order from a partner that extends the schema at its extension point:
+// an attribute and an element of the partner's own namespace. The element
+// goes without line breaks inside: an untyped element keeps all of its
+// character data as one text, white space between children included.
+char const kTracking[] =
+    "<acme:tracking acme:carrier=\"Parcel &amp; Co\"><acme:number>1Z-999-AA</acme:number>"
+    "<acme:stop city=\"Mill Valley\" day=\"1\"/><acme:stop city=\"Old Town\" day=\"2\">"
+    "<acme:note>Leave it at the door</acme:note></acme:stop></acme:tracking>";
+
+std::string const kExtendedDocument =
+    "<?xml version=\"1.0\"?>\n"
+    "<po:purchaseOrder xmlns:po=\"urn:kdbind:example:po\" xmlns:acme=\"urn:acme:logistics\"\n"
+    "\t\torderDate=\"2026-11-21\" acme:route=\"north-7\">\n"
+    "\t<po:shipTo><po:name>Alice Smith</po:name><po:street>123 Maple Street</po:street>"
+    "<po:city>Mill Valley</po:city><po:state>CA</po:state><po:zip>90952</po:zip></po:shipTo>\n"
+    "\t<po:lineItem partNum=\"872-AA\"><po:productName>Lawnmower</po:productName>"
+    "<po:quantity>1</po:quantity><po:USPrice>139.95</po:USPrice></po:lineItem>\n"
+    "\t<po:subtotal>139.95</po:subtotal><po:itemCount>1</po:itemCount>\n"
+    "\t" + std::string(kTracking) + "\n"
+    "</po:purchaseOrder>\n";
+
 } // namespace
 
 int main()
@@ -182,6 +203,28 @@ int main()
             std::cout << "   FromXml refuses it; the message reads as the path to the fault:\n\n"
                       << e.GetFullMessage() << "\n";
         }
+
+        std::cout << "\n5. A partner's order with content of its own namespace at the extension point:\n\n"
+                  << kExtendedDocument << "\n";
+        context.GetNamespaceAliases().Add("acme", "urn:acme:logistics");
+        CSmartPtr<CPurchaseOrder> extended = new CPurchaseOrder();
+        extended->FromXml(kExtendedDocument.c_str());
+        std::string const passedOn = extended->ToXml(true, false, EOLType_LF, context);
+        CSmartPtr<CPurchaseOrder> again = new CPurchaseOrder();
+        again->FromXml(passedOn.c_str());
+        bool const kept = passedOn.find(kTracking) != std::string::npos &&
+                          passedOn.find("acme:route=\"north-7\"") != std::string::npos &&
+                          again->ToXml(true, false, EOLType_LF, context) == passedOn;
+        std::cout << "   Written without formatting, read back and written again, the foreign content "
+                  << (kept ? "passes through unchanged" : "does NOT pass through unchanged") << ":\n\n"
+                  << passedOn << "\n";
+        if (CElement const* tracking = again->GetExtension())
+            std::cout << "   The order holds it untyped: the element [" << tracking->GetName() << "] of ["
+                      << tracking->GetNamespace() << "] with " << tracking->GetChildren()->GetCount()
+                      << " children, and " << again->GetExtensionAttributes().GetCount()
+                      << " attribute of another namespace.\n";
+        if (!kept)
+            status = 1;
     } catch (CKdException const& e) {
         std::cerr << "KdBind failure:\n" << e.GetFullMessage() << "\n";
         status = 1;

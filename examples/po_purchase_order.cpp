@@ -28,6 +28,8 @@ void CPurchaseOrder::Init()
     m_totals = new COrderTotals();
     m_orderDate.Clear();
     m_status = OrderStatus_open;
+    m_extension = nullptr;
+    m_extensionAttributes = new KdBind::CAttributeCol("", "##other", NAMESPACE);
 }
 
 void CPurchaseOrder::SetShipTo(CUSAddress* value)
@@ -99,6 +101,16 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
         else if (m_status)
             value.SetI4(*m_status);
         break;
+    case Property_Extension:
+        if (!readAccess)
+            m_extension = dynamic_cast<KdBind::CElement*>(value.GetXmlObject().get());
+        else if (m_extension)
+            value.SetXmlObject(m_extension);
+        break;
+    case Property_ExtensionAttributes:
+        if (readAccess)
+            value.SetXmlCollection(m_extensionAttributes);
+        break;
     }
 }
 
@@ -114,7 +126,7 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
 {
     return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
-        return new CElementInfo*[8]{
+        return new CElementInfo*[9]{
             new CElementInfoSeqClsMnd("shipTo", NAMESPACE, Property_ShipTo, XmlElementType_Element, &CreateObject,
                                       ClassId_USAddress, false),
             new CElementInfoSeqClsOpt("billTo", NAMESPACE, Property_BillTo, XmlElementType_Element, &CreateObject,
@@ -128,6 +140,7 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
             new CElementInfoSeqClsCol("lineItem", NAMESPACE, Property_LineItems, XmlElementType_Element),
             new CElementInfoSeqClsMnd("OrderTotals", NAMESPACE, Property_Totals, XmlElementType_PseudoChild,
                                       &CreateObject, ClassId_OrderTotals, true),
+            new CElementInfoSeqUntpdOpt("AnyElement", "", Property_Extension, "##other", NAMESPACE),
             nullptr};
     });
 }
@@ -135,11 +148,13 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
 CAttributeInfo** CPurchaseOrder::GetClassAttributeInfo() const
 {
     return m_tables.attributeInfo.Get([] {
-        return new CAttributeInfo*[3]{
+        return new CAttributeInfo*[4]{
             new CAttributeInfoPrimitive("orderDate", "", Property_OrderDate, false, KdBind::ItemType_date, nullptr,
                                         CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
             new CAttributeInfoEnum("status", "", Property_Status, true, &OrderStatusToString, &OrderStatusFromString,
                                    "open"),
+            // A wildcard refuses by failing, so it stands last.
+            new CAttributeInfoAny("", "", Property_ExtensionAttributes, true, "##other", NAMESPACE, nullptr),
             nullptr};
     });
 }

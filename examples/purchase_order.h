@@ -374,6 +374,11 @@ public:
     void SetOrderDate(KdBind::CDateTime const& value) { m_orderDate = value; }
     std::optional<OrderStatus> const& GetStatus() const { return m_status; }
     void SetStatus(std::optional<OrderStatus> value) { m_status = value; }
+    // The extension point: one element of another namespace after the
+    // totals, and attributes of other namespaces.
+    KdBind::CElement* GetExtension() const { return m_extension; }
+    void SetExtension(KdBind::CElement* value) { m_extension = value; }
+    KdBind::CAttributeCol& GetExtensionAttributes() const { return *m_extensionAttributes; }
 
     void AccessProperty(int propertyId, bool readAccess, KdBind::KdVariant& value) override;
     KdBindData::CParentElementInfo* GetClassInfo() const override;
@@ -393,7 +398,9 @@ private:
         Property_LineItems,
         Property_Totals,
         Property_OrderDate,
-        Property_Status
+        Property_Status,
+        Property_Extension,
+        Property_ExtensionAttributes
     };
 
     CSmartPtr<CUSAddress> m_shipTo;
@@ -405,6 +412,8 @@ private:
     CSmartPtr<COrderTotals> m_totals;
     KdBind::CDateTime m_orderDate;  // a date
     std::optional<OrderStatus> m_status;
+    CSmartPtr<KdBind::CElement> m_extension;
+    CSmartPtr<KdBind::CAttributeCol> m_extensionAttributes;
 };
 
 } // namespace PurchaseOrderSchema

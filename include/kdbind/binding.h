@@ -3,6 +3,7 @@
 #ifndef KDBIND_BINDING_H
 #define KDBIND_BINDING_H
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -92,6 +93,12 @@ public:
     std::string GetInLineSchema() const { return m_inLineSchema; }
     void SetInLineSchema(char const* schema) { m_inLineSchema = schema ? schema : ""; }
 
+    // Attributes written on the root element of every document written with
+    // this context. Made on first request, also through a const context; a
+    // copy made after that shares the collection, one made before does not.
+    // Concurrent first requests agree on one collection.
+    CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
+
     CNamespaceAliasMap& GetNamespaceAliases() { return m_namespaceAliases; }
     CNamespaceAliasMap const& GetNamespaceAliases() const { return m_namespaceAliases; }
     // Callers fill the list directly; there is no setter.
@@ -111,7 +118,22 @@ public:
     void SetMaxDepth(int depth) { m_maxDepth = depth; }
 
 private:
+    // Holds one reference on the shared collection, or nothing; a copy holds
+    // another reference on the same one.
+    class CRootAttributesHolder {
+    public:
+        CRootAttributesHolder() = default;
+        CRootAttributesHolder(CRootAttributesHolder const& other);
+        CRootAttributesHolder& operator=(CRootAttributesHolder const&) = delete;
+        ~CRootAttributesHolder();
+        CAttributeCol* GetOrCreate() const;
+
+    private:
+        mutable std::atomic<CAttributeCol*> m_attributes{nullptr};
+    };
+
     std::string m_defaultNamespaceURI;
+    CRootAttributesHolder m_additionalRootAttributes;
     CNamespaceAliasMap m_namespaceAliases;
     std::vector<std::string> m_processingInstructions;
     std::string m_inLineSchema;
@@ -512,6 +534,221 @@ public:
     // prefix declarations. Without a prefix, or with one the document does
     // not declare, the element's own namespace stands in.
     static std::string GetElementTypeNamespaceUri(CXmlElement* element);
+};
+
+// ---------------------------------------------------------------------------
+// Untyped content: what a document holds under xs:any and xs:anyAttribute,
+// and generic trees that an application builds by hand or makes from any
+// object. Each keeps the wildcard's namespace restriction ("##any",
+// "##other", "##local", "##targetNamespace" or a list of URIs) and the
+// target namespace it refers to, and tests content against them when it is
+// added.
+// ---------------------------------------------------------------------------
+
+// One untyped attribute.
+class CAttribute : public CXmlObjectBase, private CInstanceMonitor {
+public:
+    CAttribute(char const* name, char const* value, char const* ns);
+
+    using CXmlObjectBase::GetBase;
+    CXmlObjectBase* GetBase() override { return this; }
+    std::string GetTargetNamespace() const override { return m_namespace; }
+    std::string GetNamespace() const override { return m_namespace; }
+
+    std::string const& GetName() const { return m_name; }
+    void SetName(char const* name);
+    std::string const& GetValue() const { return m_value; }
+    void SetValue(char const* value) { m_value = value ? value : ""; }
+    void SetNamespace(char const* ns);
+
+    CSmartPtr<CAttribute> Clone() const;
+    // Hooks for the setters; they do nothing.
+    void FireOnChangeName(char const* name);
+    void FireOnChangeNamespace(char const* ns);
+
+protected:
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+    // Attributes are read by their collection: always fails.
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& context,
+                             bool isOptional) override;
+
+private:
+    std::string m_name;
+    std::string m_value;
+    std::string m_namespace;
+};
+
+// An xs:anyAttribute, or the attributes of a CElement. The namespace of the
+// collection is the one new attributes get when none is given, and also
+// what GetTargetNamespace answers.
+class CAttributeCol : public CXmlCollection, private CInstanceMonitor {
+public:
+    using CNode = CXmlCollection::CNode;
+
+    // An empty namespace with a restriction led by a URI takes that URI.
+    CAttributeCol(char const* ns, char const* restriction, char const* targetNamespace);
+
+    std::string GetTargetNamespace() const override { return GetNamespace(); }
+    std::string const& GetNamespaceRestriction() const { return m_restriction; }
+    std::string const& GetRestrictionTargetNamespace() const { return m_targetNamespace; }
+
+    // Each tests the namespace against the restriction before adding.
+    CSmartPtr<CAttribute> Add(char const* name);
+    CSmartPtr<CAttribute> Add(char const* name, char const* value);
+    CSmartPtr<CAttribute> Add(char const* name, char const* value, char const* ns);
+    // Adds the attribute as it is, without a test.
+    CSmartPtr<CAttribute> Add(CAttribute* attribute);
+    CSmartPtr<CAttribute> Item(int index) const;
+    CNode* begin() const { return GetHeadNode(); }
+    CNode* end() const { return nullptr; }
+    CSmartPtr<CAttributeCol> Clone() const;
+
+protected:
+    // Writes every attribute onto the open tag; no count check.
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+    // Takes every attribute of parent, without the filter that generated
+    // classes apply, and fails on one outside the restriction; the cursor is
+    // returned as given.
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& context,
+                             bool isOptional) override;
+
+private:
+    std::string m_restriction;
+    std::string m_targetNamespace;
+};
+
+class CElement;
+
+// A repeating xs:any, or the children of a CElement. Whatever restriction it
+// is given, the collection itself accepts elements of any namespace on
+// input; a restriction that is a keyword becomes the namespace of elements
+// made by Add(name). Its occurs are always 0 and unbounded.
+class CElementCol : public CXmlCollection, private CInstanceMonitor {
+public:
+    using CNode = CXmlCollection::CNode;
+
+    CElementCol(char const* ns, char const* restriction, char const* targetNamespace, int minOccurs, int maxOccurs);
+
+    std::string GetTargetNamespace() const override { return m_targetNamespace; }
+    std::string GetNamespace() const override { return m_targetNamespace; }
+    std::string const& GetNamespaceRestriction() const { return m_restriction; }
+    std::string const& GetNewElementNamespace() const { return m_newElementNamespace; }
+
+    // In the collection's namespace for new elements; fails without one.
+    CSmartPtr<CElement> Add(char const* name);
+    CSmartPtr<CElement> Add(char const* name, char const* ns);
+    CSmartPtr<CElement> Add(CElement* element);
+    CSmartPtr<CElement> Item(int index) const;
+    CNode* begin() const { return GetHeadNode(); }
+    CNode* end() const { return nullptr; }
+    // Reads the run of elements that have exactly this name and namespace.
+    virtual CXmlElement* FromXmlLockElementName_Int(std::string name, std::string ns, CXmlElement* parent,
+                                                    CXmlElement* cursor, CXmlSerializationContext const& context);
+    CSmartPtr<CElementCol> Clone() const;
+
+protected:
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+    // Takes elements from the cursor on while the restriction lets them in.
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& context,
+                             bool isOptional) override;
+
+private:
+    friend class CElement;
+
+    std::string m_restriction;  // always "##any"
+    std::string m_newElementNamespace;
+    std::string m_targetNamespace;
+};
+
+// One untyped element: name, namespace, text, attributes and children. The
+// element must fit its own restriction; its content is open. Mixed content
+// is not kept in place: the text is written after the children.
+//
+// Reading, writing, copying, cloning and freeing a tree walk it without
+// recursion, so that any depth that the parser accepts fits on the stack.
+class CElement : public CXmlObjectBase, private CInstanceMonitor {
+public:
+    // No namespace, restriction "##any".
+    explicit CElement(char const* name);
+    // The namespace is its own restriction; a keyword is refused.
+    CElement(char const* name, char const* ns);
+    CElement(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
+    // The tree of the object's document, written under the given default
+    // namespace (null for none).
+    CElement(CXmlObjectBase* object, char const* defaultNamespace);
+    ~CElement() override;
+
+    using CXmlObjectBase::GetBase;
+    CXmlObjectBase* GetBase() override { return this; }
+    std::string GetTargetNamespace() const override { return m_namespace; }
+    std::string GetNamespace() const override { return m_namespace; }
+
+    // Reads the document element of the text into this element, on the
+    // default context; the context argument is not used.
+    void FromXml(char const* xml,
+                 CXmlSerializationContext const& context = CXmlSerializationContext::m_defaultContext) override;
+    using CXmlObjectBase::FromXml;
+    // Only tests: the element and its subtree against a new restriction.
+    // Failure of an element's own namespace is thrown as a pointer to a new
+    // CKdInvalidNamespaceException, which the catcher deletes.
+    void SetNamespaceRestrictions(char const* restriction, char const* targetNamespace);
+    // Replaces everything but the restriction with a copy of the parsed tree.
+    void CopyXmlElement(CXmlElement* element);
+    // The default namespace is not cloned.
+    CSmartPtr<CElement> Clone() const;
+
+    std::string const& GetName() const { return m_name; }
+    void SetName(char const* name);
+    std::string const& GetText() const { return m_text; }
+    void SetText(char const* text);
+    // Tested against the element's restriction.
+    void SetNamespace(char const* ns);
+    std::string const& GetNamespaceRestriction() const { return m_restriction; }
+    std::string const& GetRestrictionTargetNamespace() const { return m_targetNamespace; }
+    std::string const& GetDefaultNamespace() const { return m_defaultNamespace; }
+    void SetDefaultNamespace(char const* ns) { m_defaultNamespace = ns ? ns : ""; }
+    CSmartPtr<CAttributeCol> GetAttributes() const { return m_attributes; }
+    CSmartPtr<CElementCol> GetChildren() const { return m_children; }
+
+    // Hooks for the setters; they do nothing.
+    void FireOnChangeName(char const* name);
+    void FireOnChangeText(char const* text);
+    void FireOnChangeNamespace(char const* ns);
+
+protected:
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+    // Reads the element at the cursor itself; parent is not used. Returns
+    // the cursor unchanged when the restriction refuses the element.
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& context,
+                             bool isOptional) override;
+
+private:
+    friend class CElementCol;
+
+    void Init(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
+    // The walks behind the slots. Each keeps its stack on the heap.
+    static void WriteElements(CElementCol const& elements, CXmlWriter* writer, char const* ns,
+                              CXmlSerializationContext const& context);
+    // Attributes and descendants of source into element, whose own name,
+    // namespace and text the caller takes.
+    static void ReadContent(CElement& element, CXmlElement* source, CXmlSerializationContext const& context);
+    // Frees the elements whose last holder is this collection level by level.
+    static void ReleaseLevelByLevel(CSmartPtr<CElementCol> elements);
+    // The subtree rendered apart under the default namespace, inserted raw.
+    void ToXmlWithDefaultNamespace(CXmlWriter* writer) const;
+
+    std::string m_name;
+    std::string m_text;
+    std::string m_namespace;
+    std::string m_restriction;
+    std::string m_targetNamespace;
+    CSmartPtr<CAttributeCol> m_attributes;  // never null but in a dying element
+    CSmartPtr<CElementCol> m_children;      // never null but in a dying element
+    std::string m_defaultNamespace;
 };
 
 } // namespace KdBind

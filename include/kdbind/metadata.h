@@ -151,6 +151,9 @@ protected:
     // elements as it can; true when it took any.
     bool ReadCollection(CXmlSerializationContext const& context, CXmlGeneratedClass* object, CXmlElement* parent,
                         CXmlElement** cursor, CountCheck check) const;
+    // The count check of a collection that has been read; returns consumed.
+    static bool CheckCountAfterRead(CXmlSerializationContext const& context, KdBind::CXmlCollectionBase* collection,
+                                    bool consumed, CountCheck check);
     // The same for a collection of untyped elements, locked to the entry's
     // name unless it is "AnyElement".
     bool ReadUntypedCollection(CXmlSerializationContext const& context, CXmlGeneratedClass* object,

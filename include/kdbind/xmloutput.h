@@ -145,7 +145,8 @@ public:
         CXmlWriterContext(std::string const& name, std::string const& uri, CXmlWriterContext* parent);
         CXmlWriterContext(CXmlWriterContext const&) = delete;
         CXmlWriterContext& operator=(CXmlWriterContext const&) = delete;
-        // Destroys the parent too: destroying the top destroys the stack.
+        // Destroys the parents too, one after the other: destroying the top
+        // destroys the stack.
         ~CXmlWriterContext() override;
 
         NamespaceMap* GetNamespaceMap() const;

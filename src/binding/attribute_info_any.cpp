@@ -56,14 +56,12 @@ bool CAttributeInfoAny::AttributeFromXml(CXmlSerializationContext const&, CXmlGe
     TestNamespace(attribute->GetNamespaceURI(), m_namespaceSpec, m_targetNamespace);
     KdVariant value;
     AccessProperty(object, true, value);
-    CSmartPtr<CXmlCollectionBase> collection = WildcardCollection(value);
-    if (!collection)
+    CAttributeCol* attributes = dynamic_cast<CAttributeCol*>(WildcardCollection(value).get());
+    if (!attributes)
         ThrowNotAnAttributeCollection();
-    // To come with the attribute collection: cast to CAttributeCol, refuse any
-    // other class with the data error above, then
-    // Add(local name, value, namespace URI) and return true.
-    throw CKdException(FormatString("Wildcard attributes are not supported yet: cannot take the attribute [%s]",
-                                    attribute->GetLocalName().c_str()));
+    attributes->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+                    attribute->GetNamespaceURI().c_str());
+    return true;
 }
 
 void CAttributeInfoAny::Validate(CXmlSerializationContext const&, bool) const {}

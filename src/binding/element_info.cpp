@@ -19,12 +19,6 @@ CXmlObjectBase* ObjectIn(KdVariant const& value)
     return value.GetItemType() == ItemType_xmlObject ? value.GetXmlObject().get() : nullptr;
 }
 
-[[noreturn]] void ThrowUntypedNotSupported(std::string const& name)
-{
-    throw CKdException(
-        FormatString("Untyped content [%s] is not supported in this version of the library", name.c_str()));
-}
-
 } // namespace
 
 CElementInfo::CElementInfo(char const* name, char const* ns, int propertyId)
@@ -343,6 +337,18 @@ bool CElementInfo::ReadOptionalAbsCls(CXmlSerializationContext const& context, C
     return true;
 }
 
+namespace {
+// The property of an untyped collection entry holds untyped elements.
+CElementCol* UntypedCollectionIn(KdVariant const& value, std::string const& name)
+{
+    CElementCol* elements = dynamic_cast<CElementCol*>(CollectionIn(value, name));
+    if (!elements)
+        throw CKdInvalidStateException(
+            FormatString("The collection property of the element [%s] is not a CElementCol", name.c_str()));
+    return elements;
+}
+} // namespace
+
 bool CElementInfo::ReadCollection(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
                                   CXmlElement* parent, CXmlElement** cursor, CountCheck check) const
 {
@@ -351,7 +357,12 @@ bool CElementInfo::ReadCollection(CXmlSerializationContext const& context, CXmlG
     CXmlCollectionBase* collection = CollectionIn(value, m_elementName);
     CXmlElement* const start = *cursor;
     *cursor = FromXml_Int(collection, parent, start, context, false);
-    bool const consumed = *cursor != start;
+    return CheckCountAfterRead(context, collection, *cursor != start, check);
+}
+
+bool CElementInfo::CheckCountAfterRead(CXmlSerializationContext const& context, CXmlCollectionBase* collection,
+                                       bool consumed, CountCheck check)
+{
     if (check == CountCheck_Always || (check == CountCheck_WhenConsumed && consumed)) {
         if (!context.GetIgnoreInvalidCollectionCounts())
             collection->ValidateCount(context);
@@ -364,11 +375,16 @@ bool CElementInfo::ReadUntypedCollection(CXmlSerializationContext const& context
 {
     if (m_elementName == kAnyElement)
         return ReadCollection(context, object, parent, cursor, check);
-    // A wildcard locked to one name is read by the untyped collection
-    // itself: FromXmlLockElementName_Int with the entry's name and the
-    // namespace of the element at the cursor ("" at a used-up cursor, in
-    // every group), then the count check as above.
-    ThrowUntypedNotSupported(m_elementName);
+    // Locked to the entry's name: the run of elements that share the
+    // namespace of the first. A used-up cursor reads as the empty namespace
+    // in every group, so that a choice sees it as a sequence does.
+    KdVariant value;
+    AccessProperty(object, true, value);
+    CElementCol* elements = UntypedCollectionIn(value, m_elementName);
+    CXmlElement* const start = *cursor;
+    std::string const ns = start ? start->GetNamespaceURI() : std::string();
+    *cursor = elements->FromXmlLockElementName_Int(m_elementName, ns, parent, start, context);
+    return CheckCountAfterRead(context, elements, *cursor != start, check);
 }
 
 CXmlElement* CElementInfo::ReadUntypedMandatory(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
@@ -383,17 +399,34 @@ CXmlElement* CElementInfo::ReadUntypedMandatory(CXmlSerializationContext const& 
     return FromXml_Int(ExistingChild(value, m_elementName), parent, cursor, context, false);
 }
 
-bool CElementInfo::ReadUntypedOptional(CXmlSerializationContext const&, CXmlGeneratedClass*, CXmlElement*,
-                                       CXmlElement** cursor, char const*, std::string const&, std::string const&,
-                                       bool) const
+bool CElementInfo::ReadUntypedOptional(CXmlSerializationContext const& context, CXmlGeneratedClass* object,
+                                       CXmlElement* parent, CXmlElement** cursor, char const* ownerNamespace,
+                                       std::string const& anyNamespaceSpec, std::string const& targetNamespace,
+                                       bool clearWhenAbsent) const
 {
-    if (!*cursor)
+    CXmlElement* const start = *cursor;
+    if (!start)
         return false;
-    // Here a new CElement is made from the element name,
-    // GetAnyDefaultNamespace(spec, owner namespace, target namespace), the
-    // spec and the target namespace; it reads from the cursor when the name
-    // fits, and is stored if it consumed something.
-    ThrowUntypedNotSupported(m_elementName);
+    std::string const ns =
+        GetAnyDefaultNamespace(anyNamespaceSpec.c_str(), ownerNamespace, targetNamespace.c_str());
+    CSmartPtr<CElement> element =
+        new CElement(m_elementName.c_str(), ns.c_str(), anyNamespaceSpec.c_str(), targetNamespace.c_str());
+    CXmlElement* reached = start;
+    if (m_elementName == kAnyElement || m_elementName == start->GetLocalName())
+        reached = FromXml_Int(element, parent, start, context, false);
+    KdVariant value;
+    if (reached == start) {
+        // Nothing consumed: the element is dropped.
+        if (clearWhenAbsent) {
+            value.SetXmlObject(nullptr);
+            AccessProperty(object, false, value);
+        }
+        return false;
+    }
+    value.SetXmlObject(element);
+    AccessProperty(object, false, value);
+    *cursor = reached;
+    return true;
 }
 
 } // namespace KdBindData

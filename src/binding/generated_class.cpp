@@ -92,8 +92,9 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool root, char const* ns
                     writer->SetDefaultNamespace(context.GetDefaultNamespaceURI());
             }
             writer->WriteStartElement(GetElementName(), ns ? ns : "");
-            // The context's additional root attributes are written here once
-            // the wildcard attribute collection that holds them is in the library.
+            if (root)
+                CXmlObjectBase::ToXml_Int(context.GetAdditionalRootAttributes(), writer, false, ns, context,
+                                          isOptional);
             AttributesToXml_Int(writer, context);
             if (root && !context.GetInLineSchema().empty())
                 writer->WriteInlineSchema(context.GetInLineSchema());

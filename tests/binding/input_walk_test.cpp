@@ -44,13 +44,18 @@ TEST(InputWalkTest, AttributesUnknownMissingAndOfTheSchemaInstance)
     EXPECT_EQ(LoadFailure(order, withAttributes("")),
               "Failed to process the element [purchaseOrder]\nFailed to find the required Attribute [orderDate]");
     // The type and the schema locations never count as unknown; other
-    // attributes of the schema instance namespace do.
+    // attributes of the schema instance namespace do, where no wildcard
+    // takes them (the order's own takes attributes of other namespaces).
     std::string const xsi = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' orderDate='2004-01-02' ";
     EXPECT_EQ(LoadFailure(order, withAttributes(xsi + "xsi:type='T' xsi:schemaLocation='a b' "
                                                       "xsi:noNamespaceSchemaLocation='c'")),
               "<no exception>");
-    EXPECT_EQ(LoadFailure(order, withAttributes(xsi + "xsi:nil='true'")),
-              "Failed to process the element [purchaseOrder]\nUnexpected Attribute [nil] found.");
+    std::string nil = withAttributes(xsi);
+    nil.replace(nil.find("<shipTo"), 7, "<shipTo xsi:nil='true'");
+    EXPECT_EQ(LoadFailure(order, nil), "Failed to process the element [purchaseOrder]\nFailed to process the element "
+                                       "[shipTo]\nUnexpected Attribute [nil] found.");
+    EXPECT_EQ(LoadFailure(order, withAttributes(xsi + "xsi:nil='true'")), "<no exception>");
+    EXPECT_EQ(order.GetExtensionAttributes().Item(0)->GetName(), "nil");
 }
 
 TEST(InputWalkTest, NarrowFromXmlWalksUnderTheDefaultContextWhateverItIsGiven)

@@ -114,8 +114,10 @@ TEST_F(PurchaseOrderBindingTest, FailuresNameThePathFromTheRoot)
               "Failed to process the element [purchaseOrder]\nFailed to process the element [lineItem]\n"
               "Failed read all the elements held within the element [lineItem]. The unexpected element [details] "
               "remains un processed");
-    EXPECT_EQ(Failure(Document(LineItem()).replace(0, 14, "<purchaseOrder partNum='x'")),
-              "Failed to process the element [purchaseOrder]\nUnexpected Attribute [partNum] found.");
+    std::string misplaced = Document(LineItem());
+    misplaced.replace(misplaced.find("<shipTo"), 7, "<shipTo partNum='x'");
+    EXPECT_EQ(Failure(misplaced), "Failed to process the element [purchaseOrder]\nFailed to process the element "
+                                  "[shipTo]\nUnexpected Attribute [partNum] found.");
     EXPECT_EQ(Failure("<purchaseOrder xmlns='urn:kdbind:example:po' orderDate='2026-01-02'/>"),
               "Failed to process the element [purchaseOrder]\nFailed to find a required element [shipTo]");
 }
@@ -158,4 +160,30 @@ TEST_F(PurchaseOrderBindingTest, UnknownSubstitutionLeavesTheDetailsUnreadAndFai
               "Failed to process the element [purchaseOrder]\nFailed to process the element [lineItem]\n"
               "Failed read all the elements held within the element [lineItem]. The unexpected element [details] "
               "remains un processed");
+}
+
+TEST_F(PurchaseOrderBindingTest, ExtensionPointTakesOneForeignElementAndForeignAttributes)
+{
+    std::string const foreign = "<t:track xmlns:t='urn:t' t:by='x'><t:n>1</t:n><stop/></t:track>";
+    std::string xml = Document(LineItem());
+    xml.insert(xml.rfind("</purchaseOrder>"), foreign);
+    xml.insert(xml.find(" orderDate"), " xmlns:u='urn:u' u:route='north'");
+    CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
+    order->FromXml(xml.c_str());
+    ASSERT_NE(order->GetExtension(), nullptr);
+    EXPECT_EQ(order->GetExtension()->GetChildren()->GetCount(), 2);
+    EXPECT_EQ(order->GetExtensionAttributes().Item(0)->GetValue(), "north");
+    std::string const written = order->ToXml(false, false);
+    EXPECT_NE(written.find("AB:route=\"north\""), std::string::npos) << written;
+    CSmartPtr<CPurchaseOrder> copy = new CPurchaseOrder();
+    copy->FromXml(written.c_str());
+    EXPECT_EQ(copy->ToXml(false, false), written);
+
+    // One element only, and none of the order's own namespace.
+    EXPECT_EQ(Failure(Document(LineItem()).insert(Document(LineItem()).rfind("</purchaseOrder>"), foreign + foreign)),
+              "Failed to process the element [purchaseOrder]\nFailed read all the elements held within the element "
+              "[purchaseOrder]. The unexpected element [track] remains un processed");
+    EXPECT_EQ(Failure(Document(LineItem()).insert(Document(LineItem()).rfind("</purchaseOrder>"), "<extra/>")),
+              "Failed to process the element [purchaseOrder]\nFailed read all the elements held within the element "
+              "[purchaseOrder]. The unexpected element [extra] remains un processed");
 }
