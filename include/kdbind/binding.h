@@ -134,8 +134,50 @@ public:
                                      std::string const& name, std::string const& ns);
     // Tests a value against the facets of its element or attribute; throws on
     // a value outside them.
+    // The value is taken from the variant by type, not by the variant's tag.
+    // Facet failures are plain CKdException naming the element or attribute;
+    // a bound that cannot be read in the value's type fails as its conversion
+    // does. char values cannot be restricted.
     static void CheckRestriction(char const* name, KdVariant const& value, ItemType type,
                                  CPrimitiveRestrictions const& restrictions);
+
+    // One check per kind. Numbers and the Gregorian parts test the four
+    // bounds only; strings and binary data test the lengths (in bytes), and
+    // strings the pattern as well. Bounds are parsed on a record's first
+    // check and kept with it.
+    static void CheckRestrictionForhexBinary(char const* name, CBinaryData const& value,
+                                             CPrimitiveRestrictions const& restrictions);
+    // Reports the value in hex, as the hexBinary check does.
+    static void CheckRestrictionForbase64Binary(char const* name, CBinaryData const& value,
+                                                CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori1(char const* name, char value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori2(char const* name, short value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori4(char const* name, long value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori8(char const* name, long long value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui1(char const* name, unsigned char value,
+                                       CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui2(char const* name, unsigned short value,
+                                       CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui4(char const* name, unsigned long value,
+                                       CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui8(char const* name, unsigned long long value,
+                                       CPrimitiveRestrictions const& restrictions);
+    // A NaN fails every bound that is set.
+    static void CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForr8(char const* name, double value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForyear(char const* name, unsigned short value,
+                                        CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFormonth(char const* name, unsigned char value,
+                                         CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForday(char const* name, unsigned char value,
+                                       CPrimitiveRestrictions const& restrictions);
+    // Length is in bytes of the local code page. A failure inside the
+    // pattern test (a refused pattern, a text that cannot be encoded) stops
+    // the process on a trap.
+    static void CheckRestrictionForstring(char const* name, std::string value,
+                                          CPrimitiveRestrictions const& restrictions);
+    // Accepts every value: no facet of the record applies to booleans.
+    static void CheckRestrictionForboolean(char const* name, bool value, CPrimitiveRestrictions const& restrictions);
 };
 
 // ---------------------------------------------------------------------------
