@@ -520,6 +520,101 @@ private:
 };
 
 // ---------------------------------------------------------------------------
+// Collections of primitive values, one class per kind: the property type of
+// a repeating element of simple type. Items are plain values in a vector.
+//
+// Adding tells the listeners first (with a pointer to the value), then tests
+// the index ("Index out of range") and the facets, inserts, and tells them
+// the add is complete and the collection changed. Removing tells them of the
+// removal before the index is tested, and reports 0 as the index of the
+// completed removal whatever it was. Clear removes item by item, with all
+// events. On output the collection checks its count itself and writes one
+// element per item in its own namespace; on input every item goes through
+// AddFromString, so the facets are checked at each one.
+// ---------------------------------------------------------------------------
+
+// The stored type and the argument type of Add and AddAt, per kind.
+template <ItemType Kind> struct CValueCollectionTraits;
+#define KDBIND_VALUE_COLLECTION_TRAITS(kind, stored, arg)                       \
+    template <> struct CValueCollectionTraits<kind> {                           \
+        typedef stored Stored;                                                  \
+        typedef arg Arg;                                                        \
+    }
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i1, char, char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i2, short, short);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i4, long, long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i8, long long, long long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui1, unsigned char, unsigned char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui2, unsigned short, unsigned short);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui4, unsigned long, unsigned long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui8, unsigned long long, unsigned long long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_r4, float, float);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_r8, double, double);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_boolean, bool, bool);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_string, std::string, std::string);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_hexBinary, CBinaryData, CBinaryData const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_base64Binary, CBinaryData, CBinaryData const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_year, unsigned short, unsigned short);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_month, unsigned char, unsigned char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_day, unsigned char, unsigned char);
+#undef KDBIND_VALUE_COLLECTION_TRAITS
+
+template <ItemType Kind>
+class CValueCollection : public CXmlTypeCollection, private CInstanceMonitor {
+public:
+    typedef typename CValueCollectionTraits<Kind>::Stored Stored;
+    typedef typename CValueCollectionTraits<Kind>::Arg Arg;
+
+    // The facets come in the order of CPrimitiveRestrictions; null texts read
+    // as empty ones. The format is not copied and must outlive the collection.
+    CValueCollection(char const* elementName, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
+                     int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
+                     char const* minExclusive, char const* maxExclusive, int length,
+                     CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format);
+
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override;
+    void Remove(int index) override;
+    void AddFromString(std::string text) override;
+    void Add(Arg value);
+    void AddAt(int index, Arg value);
+    Stored Item(int index) const;
+
+protected:
+    // The flags and the namespace argument play no part.
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+
+private:
+    std::vector<Stored> m_items;
+};
+
+#define KDBIND_VALUE_COLLECTION(name, kind)                                     \
+    extern template class CValueCollection<kind>;                               \
+    class name : public CValueCollection<kind> {                                \
+    public:                                                                     \
+        using CValueCollection<kind>::CValueCollection;                         \
+    }
+KDBIND_VALUE_COLLECTION(Ci1Col, ItemType_i1);
+KDBIND_VALUE_COLLECTION(Ci2Col, ItemType_i2);
+KDBIND_VALUE_COLLECTION(Ci4Col, ItemType_i4);
+KDBIND_VALUE_COLLECTION(Ci8Col, ItemType_i8);
+KDBIND_VALUE_COLLECTION(Cui1Col, ItemType_ui1);
+KDBIND_VALUE_COLLECTION(Cui2Col, ItemType_ui2);
+KDBIND_VALUE_COLLECTION(Cui4Col, ItemType_ui4);
+KDBIND_VALUE_COLLECTION(Cui8Col, ItemType_ui8);
+KDBIND_VALUE_COLLECTION(Cr4Col, ItemType_r4);
+KDBIND_VALUE_COLLECTION(Cr8Col, ItemType_r8);
+KDBIND_VALUE_COLLECTION(CbooleanCol, ItemType_boolean);
+KDBIND_VALUE_COLLECTION(CstringCol, ItemType_string);
+KDBIND_VALUE_COLLECTION(ChexBinaryCol, ItemType_hexBinary);
+KDBIND_VALUE_COLLECTION(Cbase64BinaryCol, ItemType_base64Binary);
+KDBIND_VALUE_COLLECTION(CyearCol, ItemType_year);
+KDBIND_VALUE_COLLECTION(CmonthCol, ItemType_month);
+KDBIND_VALUE_COLLECTION(CdayCol, ItemType_day);
+#undef KDBIND_VALUE_COLLECTION
+
+// ---------------------------------------------------------------------------
 // The base of generated class factories: the xsi:type of an element, which
 // tells a factory which class to make for a substitutable element.
 // ---------------------------------------------------------------------------
