@@ -84,19 +84,19 @@ void CLineItem::AccessProperty(int propertyId, bool readAccess, KdVariant& value
 
 CParentElementInfo* CLineItem::GetClassInfo() const
 {
-    if (!m_tables.classInfo)
-        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "LineItem",
-                                                    NAMESPACE, -1, true, false);
-    return m_tables.classInfo;
+    return m_tables.classInfo.Get([] {
+        return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "LineItem",
+                                      NAMESPACE, -1, true, false);
+    });
 }
 
 CElementInfo** CLineItem::GetClassElementInfo() const
 {
-    if (!m_tables.elementInfo) {
+    return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
         auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
         auto const preserve = CWhitespaceUtils::WhitespaceRule_Preserve;
-        m_tables.elementInfo = new CElementInfo*[6]{
+        return new CElementInfo*[6]{
             new CElementInfoSeqPrimMnd("productName", NAMESPACE, Property_ProductName, KdBind::ItemType_string, nullptr,
                                        preserve, none),
             new CElementInfoSeqPrimMnd("quantity", NAMESPACE, Property_Quantity, KdBind::ItemType_ui2, nullptr,
@@ -108,18 +108,17 @@ CElementInfo** CLineItem::GetClassElementInfo() const
             new CElementInfoSeqPrimOpt("comment", NAMESPACE, Property_Comment, KdBind::ItemType_string, nullptr,
                                        preserve, none),
             nullptr};
-    }
-    return m_tables.elementInfo;
+    });
 }
 
 CAttributeInfo** CLineItem::GetClassAttributeInfo() const
 {
-    if (!m_tables.attributeInfo)
-        m_tables.attributeInfo = new CAttributeInfo*[2]{
+    return m_tables.attributeInfo.Get([] {
+        return new CAttributeInfo*[2]{
             new CAttributeInfoPrimitive("partNum", "", Property_PartNum, false, KdBind::ItemType_string, nullptr,
                                         CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
             nullptr};
-    return m_tables.attributeInfo;
+    });
 }
 
 // ---------------------------------------------------------------------------

@@ -48,18 +48,18 @@ void COrderTotals::AccessProperty(int propertyId, bool readAccess, KdVariant& va
 
 CParentElementInfo* COrderTotals::GetClassInfo() const
 {
-    if (!m_tables.classInfo)
-        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_PseudoChild,
-                                                    "OrderTotals", NAMESPACE, -1, false, false);
-    return m_tables.classInfo;
+    return m_tables.classInfo.Get([] {
+        return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_PseudoChild,
+                                      "OrderTotals", NAMESPACE, -1, false, false);
+    });
 }
 
 CElementInfo** COrderTotals::GetClassElementInfo() const
 {
-    if (!m_tables.elementInfo) {
+    return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
         auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
-        m_tables.elementInfo = new CElementInfo*[4]{
+        return new CElementInfo*[4]{
             new CElementInfoSeqPrimMnd("subtotal", NAMESPACE, Property_Subtotal, KdBind::ItemType_r8, nullptr, collapse,
                                        none),
             new CElementInfoSeqPrimOpt("shipping", NAMESPACE, Property_Shipping, KdBind::ItemType_r8, nullptr, collapse,
@@ -67,15 +67,14 @@ CElementInfo** COrderTotals::GetClassElementInfo() const
             new CElementInfoSeqPrimMnd("itemCount", NAMESPACE, Property_ItemCount, KdBind::ItemType_ui2, nullptr,
                                        collapse, none),
             nullptr};
-    }
-    return m_tables.elementInfo;
+    });
 }
 
 CAttributeInfo** COrderTotals::GetClassAttributeInfo() const
 {
-    if (!m_tables.attributeInfo)
-        m_tables.attributeInfo = new CAttributeInfo*[1]{nullptr};
-    return m_tables.attributeInfo;
+    return m_tables.attributeInfo.Get([] {
+        return new CAttributeInfo*[1]{nullptr};
+    });
 }
 
 } // namespace PurchaseOrderSchema

@@ -46,32 +46,31 @@ void CBookDetails::AccessProperty(int propertyId, bool readAccess, KdVariant& va
 // Written with xsi:type whenever it stands under another element name.
 CParentElementInfo* CBookDetails::GetClassInfo() const
 {
-    if (!m_tables.classInfo)
-        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
-                                                    "BookDetails", NAMESPACE, -1, true, true);
-    return m_tables.classInfo;
+    return m_tables.classInfo.Get([] {
+        return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
+                                      "BookDetails", NAMESPACE, -1, true, true);
+    });
 }
 
 CElementInfo** CBookDetails::GetClassElementInfo() const
 {
-    if (!m_tables.elementInfo) {
+    return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
         auto const preserve = CWhitespaceUtils::WhitespaceRule_Preserve;
-        m_tables.elementInfo = new CElementInfo*[3]{
+        return new CElementInfo*[3]{
             new CElementInfoSeqPrimMnd("author", NAMESPACE, Property_Author, KdBind::ItemType_string, nullptr,
                                        preserve, none),
             new CElementInfoSeqPrimMnd("isbn", NAMESPACE, Property_Isbn, KdBind::ItemType_string, nullptr,
                                        CWhitespaceUtils::WhitespaceRule_Collapse, none),
             nullptr};
-    }
-    return m_tables.elementInfo;
+    });
 }
 
 CAttributeInfo** CBookDetails::GetClassAttributeInfo() const
 {
-    if (!m_tables.attributeInfo)
-        m_tables.attributeInfo = new CAttributeInfo*[1]{nullptr};
-    return m_tables.attributeInfo;
+    return m_tables.attributeInfo.Get([] {
+        return new CAttributeInfo*[1]{nullptr};
+    });
 }
 
 // ---------------------------------------------------------------------------
@@ -100,27 +99,27 @@ void CGadgetDetails::AccessProperty(int propertyId, bool readAccess, KdVariant& 
 
 CParentElementInfo* CGadgetDetails::GetClassInfo() const
 {
-    if (!m_tables.classInfo)
-        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
-                                                    "GadgetDetails", NAMESPACE, -1, true, true);
-    return m_tables.classInfo;
+    return m_tables.classInfo.Get([] {
+        return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
+                                      "GadgetDetails", NAMESPACE, -1, true, true);
+    });
 }
 
 CElementInfo** CGadgetDetails::GetClassElementInfo() const
 {
-    if (!m_tables.elementInfo)
-        m_tables.elementInfo = new CElementInfo*[2]{
+    return m_tables.elementInfo.Get([] {
+        return new CElementInfo*[2]{
             new CElementInfoSeqPrimMnd("voltage", NAMESPACE, Property_Voltage, KdBind::ItemType_ui2, nullptr,
                                        CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions()),
             nullptr};
-    return m_tables.elementInfo;
+    });
 }
 
 CAttributeInfo** CGadgetDetails::GetClassAttributeInfo() const
 {
-    if (!m_tables.attributeInfo)
-        m_tables.attributeInfo = new CAttributeInfo*[1]{nullptr};
-    return m_tables.attributeInfo;
+    return m_tables.attributeInfo.Get([] {
+        return new CAttributeInfo*[1]{nullptr};
+    });
 }
 
 } // namespace PurchaseOrderSchema

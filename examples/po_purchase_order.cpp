@@ -97,17 +97,17 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
 
 CParentElementInfo* CPurchaseOrder::GetClassInfo() const
 {
-    if (!m_tables.classInfo)
-        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
-                                                    "purchaseOrder", NAMESPACE, -1, true, false);
-    return m_tables.classInfo;
+    return m_tables.classInfo.Get([] {
+        return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
+                                      "purchaseOrder", NAMESPACE, -1, true, false);
+    });
 }
 
 CElementInfo** CPurchaseOrder::GetClassElementInfo() const
 {
-    if (!m_tables.elementInfo) {
+    return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
-        m_tables.elementInfo = new CElementInfo*[7]{
+        return new CElementInfo*[7]{
             new CElementInfoSeqClsMnd("shipTo", NAMESPACE, Property_ShipTo, XmlElementType_Element, &CreateObject,
                                       ClassId_USAddress, false),
             new CElementInfoSeqClsOpt("billTo", NAMESPACE, Property_BillTo, XmlElementType_Element, &CreateObject,
@@ -120,20 +120,19 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
             new CElementInfoSeqClsMnd("OrderTotals", NAMESPACE, Property_Totals, XmlElementType_PseudoChild,
                                       &CreateObject, ClassId_OrderTotals, true),
             nullptr};
-    }
-    return m_tables.elementInfo;
+    });
 }
 
 CAttributeInfo** CPurchaseOrder::GetClassAttributeInfo() const
 {
-    if (!m_tables.attributeInfo)
-        m_tables.attributeInfo = new CAttributeInfo*[3]{
+    return m_tables.attributeInfo.Get([] {
+        return new CAttributeInfo*[3]{
             new CAttributeInfoPrimitive("orderDate", "", Property_OrderDate, false, KdBind::ItemType_string, nullptr,
                                         CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
             new CAttributeInfoEnum("status", "", Property_Status, true, &OrderStatusToString, &OrderStatusFromString,
                                    "open"),
             nullptr};
-    return m_tables.attributeInfo;
+    });
 }
 
 } // namespace PurchaseOrderSchema

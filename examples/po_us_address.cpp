@@ -69,19 +69,19 @@ void CUSAddress::AccessProperty(int propertyId, bool readAccess, KdVariant& valu
 
 CParentElementInfo* CUSAddress::GetClassInfo() const
 {
-    if (!m_tables.classInfo)
-        m_tables.classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
-                                                    "USAddress", NAMESPACE, -1, true, false);
-    return m_tables.classInfo;
+    return m_tables.classInfo.Get([] {
+        return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
+                                      "USAddress", NAMESPACE, -1, true, false);
+    });
 }
 
 CElementInfo** CUSAddress::GetClassElementInfo() const
 {
-    if (!m_tables.elementInfo) {
+    return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
         auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
         auto const preserve = CWhitespaceUtils::WhitespaceRule_Preserve;
-        m_tables.elementInfo = new CElementInfo*[6]{
+        return new CElementInfo*[6]{
             new CElementInfoSeqPrimMnd("name", NAMESPACE, Property_Name, KdBind::ItemType_string, nullptr, preserve, none),
             new CElementInfoSeqPrimMnd("street", NAMESPACE, Property_Street, KdBind::ItemType_string, nullptr, preserve,
                                        none),
@@ -90,18 +90,17 @@ CElementInfo** CUSAddress::GetClassElementInfo() const
                                        none),
             new CElementInfoSeqPrimMnd("zip", NAMESPACE, Property_Zip, KdBind::ItemType_ui4, nullptr, collapse, none),
             nullptr};
-    }
-    return m_tables.elementInfo;
+    });
 }
 
 CAttributeInfo** CUSAddress::GetClassAttributeInfo() const
 {
-    if (!m_tables.attributeInfo)
-        m_tables.attributeInfo = new CAttributeInfo*[2]{
+    return m_tables.attributeInfo.Get([] {
+        return new CAttributeInfo*[2]{
             new CAttributeInfoPrimitive("country", "", Property_Country, true, KdBind::ItemType_string, nullptr,
                                         CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), "US"),
             nullptr};
-    return m_tables.attributeInfo;
+    });
 }
 
 } // namespace PurchaseOrderSchema

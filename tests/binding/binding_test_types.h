@@ -138,8 +138,17 @@ struct CCursor {
     CXmlElement* at = nullptr;
 };
 
+// The three tables of one test class, built together.
+struct CTables {
+    CParentElementInfo* classInfo;
+    CElementInfo** elementInfo;
+    CAttributeInfo** attributeInfo;
+};
+
 // What the schema compiler writes for every class: the tables belong to the
-// class, are built on first use and freed at exit.
+// class, are built on first use (a function-local static, so the first
+// threads to use a class at once wait for one complete build) and freed at
+// exit.
 template <class Derived>
 class CGenerated : public CXmlGeneratedClass {
 public:
@@ -151,11 +160,11 @@ public:
     CAttributeInfo** GetClassAttributeInfo() const override { return Tables().attributeInfo; }
 
 protected:
-    static CClassTables& Tables()
+    static CTables& Tables()
     {
         static struct CHolder {
-            CClassTables tables = Derived::MakeTables();
-            ~CHolder() { tables.Clean(); }
+            CTables tables = Derived::MakeTables();
+            ~CHolder() { CleanMetaData(tables.classInfo, tables.elementInfo, tables.attributeInfo); }
         } holder;
         return holder.tables;
     }
@@ -195,7 +204,7 @@ public:
         }
     }
     void Init() override { text.clear(), lang.Clear(); }
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "note", NAMESPACE,
                                        Property_Text, true, false),
@@ -251,7 +260,7 @@ public:
         }
     }
     void Init() override { days.Clear(), currency.Clear(); }
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_PseudoChild, "Terms", NAMESPACE,
                                        -1, false, false),
@@ -284,7 +293,7 @@ public:
         }
     }
     void Init() override { notes = new CNoteCol(), lineItems = new CLineItemCol(); }
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_Choice, XmlElementType_Element, "payment", NAMESPACE, -1,
                                        true, false),
@@ -348,7 +357,7 @@ public:
         selected.clear();
         notes->Clear();
     }
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_Choice, XmlElementType_Element, "delivery", NAMESPACE,
                                        -1, true, false),
@@ -398,7 +407,7 @@ public:
             property->Clear();
         address.SetXmlObject(CreateObject(ClassId_USAddress, "address"));
     }
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_All, XmlElementType_Element, "contact", NAMESPACE, -1,
                                        true, false),
@@ -451,7 +460,7 @@ public:
         terms.SetXmlObject(CreateTestObject(ClassId_Terms, "Terms"));
     }
     CTerms& Terms() const { return static_cast<CTerms&>(*terms.GetXmlObject()); }
-    static CClassTables MakeTables()
+    static CTables MakeTables()
     {
         return {new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "invoice", NAMESPACE,
                                        -1, true, false),
