@@ -23,6 +23,11 @@ void CPurchaseOrder::Init()
     m_billTo = nullptr;
     m_comment.reset();
     m_priority.reset();
+    auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+    m_tags = new KdBind::CstringCol("tag", NAMESPACE, 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
+                                    CWhitespaceUtils::WhitespaceRule_Preserve, nullptr);
+    m_parcelWeights = new KdBind::Ci4Col("parcelWeight", NAMESPACE, 0, -1, nullptr, -1, -1, "1", "30000", nullptr,
+                                         nullptr, -1, collapse, nullptr);
     m_lineItems = new CLineItemCol();
     m_totals = new COrderTotals();
     m_orderDate.clear();
@@ -70,6 +75,14 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
         else if (m_priority)
             value.SetI4(*m_priority);
         break;
+    case Property_Tags:
+        if (readAccess)
+            value.SetXmlCollection(m_tags);
+        break;
+    case Property_ParcelWeights:
+        if (readAccess)
+            value.SetXmlCollection(m_parcelWeights);
+        break;
     case Property_LineItems:
         if (readAccess)
             value.SetXmlCollection(m_lineItems);
@@ -107,7 +120,7 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
 {
     return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
-        return new CElementInfo*[7]{
+        return new CElementInfo*[9]{
             new CElementInfoSeqClsMnd("shipTo", NAMESPACE, Property_ShipTo, XmlElementType_Element, &CreateObject,
                                       ClassId_USAddress, false),
             new CElementInfoSeqClsOpt("billTo", NAMESPACE, Property_BillTo, XmlElementType_Element, &CreateObject,
@@ -116,6 +129,8 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
                                        CWhitespaceUtils::WhitespaceRule_Preserve, none),
             new CElementInfoSeqEnumOpt("priority", NAMESPACE, Property_Priority, &PriorityToString,
                                        &PriorityFromString),
+            new CElementInfoSeqPrimCol("tag", NAMESPACE, Property_Tags),
+            new CElementInfoSeqPrimCol("parcelWeight", NAMESPACE, Property_ParcelWeights),
             new CElementInfoSeqClsCol("lineItem", NAMESPACE, Property_LineItems, XmlElementType_Element),
             new CElementInfoSeqClsMnd("OrderTotals", NAMESPACE, Property_Totals, XmlElementType_PseudoChild,
                                       &CreateObject, ClassId_OrderTotals, true),

@@ -10,6 +10,8 @@
 //         <xs:element name="billTo" type="USAddress" minOccurs="0"/>
 //         <xs:element name="comment" type="xs:string" minOccurs="0"/>
 //         <xs:element name="priority" type="Priority" minOccurs="0"/>
+//         <xs:element name="tag" type="xs:string" minOccurs="0" maxOccurs="unbounded"/>
+//         <xs:element name="parcelWeight" type="Grams" minOccurs="0" maxOccurs="unbounded"/>
 //         <xs:element name="lineItem" type="LineItem" maxOccurs="unbounded"/>
 //         <xs:group ref="OrderTotals"/>
 //       </xs:sequence>
@@ -29,12 +31,15 @@
 //     <xs:complexType name="LineItem">
 //       <xs:sequence>
 //         <xs:element name="productName" type="xs:string"/>
-//         <xs:element name="quantity" type="xs:unsignedShort"/>
+//         <xs:element name="quantity">
+//           <xs:simpleType><xs:restriction base="xs:unsignedShort">
+//             <xs:maxExclusive value="100"/></xs:restriction></xs:simpleType>
+//         </xs:element>
 //         <xs:element name="USPrice" type="xs:double"/>
 //         <xs:element name="details" type="ProductDetails" minOccurs="0"/>
 //         <xs:element name="comment" type="xs:string" minOccurs="0"/>
 //       </xs:sequence>
-//       <xs:attribute name="partNum" type="xs:string" use="required"/>
+//       <xs:attribute name="partNum" type="SKU" use="required"/>
 //     </xs:complexType>
 //     <xs:complexType name="ProductDetails" abstract="true"/>
 //     <xs:complexType name="BookDetails">         (extends ProductDetails)
@@ -55,6 +60,8 @@
 //         <xs:element name="itemCount" type="xs:unsignedShort"/>
 //       </xs:sequence>
 //     </xs:group>
+//     <xs:simpleType name="SKU">   xs:string, pattern "\d{3}-[A-Z]{2}"
+//     <xs:simpleType name="Grams">   xs:int, from 1 to 30000 inclusive
 //     <xs:simpleType name="Priority">   low | normal | urgent
 //     <xs:simpleType name="OrderStatus">   open | shipped | cancelled
 //   </xs:schema>
@@ -365,6 +372,8 @@ public:
     void SetComment(std::optional<std::string> value) { m_comment = std::move(value); }
     std::optional<Priority> const& GetPriority() const { return m_priority; }
     void SetPriority(std::optional<Priority> value) { m_priority = value; }
+    KdBind::CstringCol& GetTags() const { return *m_tags; }
+    KdBind::Ci4Col& GetParcelWeights() const { return *m_parcelWeights; }
     CLineItemCol& GetLineItems() const { return *m_lineItems; }
     COrderTotals& GetTotals() const { return *m_totals; }
     std::string const& GetOrderDate() const { return m_orderDate; }
@@ -386,6 +395,8 @@ private:
         Property_BillTo,
         Property_Comment,
         Property_Priority,
+        Property_Tags,
+        Property_ParcelWeights,
         Property_LineItems,
         Property_Totals,
         Property_OrderDate,
@@ -396,6 +407,8 @@ private:
     CSmartPtr<CUSAddress> m_billTo;
     std::optional<std::string> m_comment;
     std::optional<Priority> m_priority;
+    CSmartPtr<KdBind::CstringCol> m_tags;
+    CSmartPtr<KdBind::Ci4Col> m_parcelWeights;
     CSmartPtr<CLineItemCol> m_lineItems;
     CSmartPtr<COrderTotals> m_totals;
     std::string m_orderDate;
