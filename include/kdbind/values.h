@@ -3,8 +3,11 @@
 #ifndef KDBIND_VALUES_H
 #define KDBIND_VALUES_H
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kdbind/runtime.h"
 
@@ -77,8 +80,19 @@ public:
     static std::string stringToString(std::string const& value);
     static std::string hexBinaryToString(CBinaryData const& value);
     static std::string base64BinaryToString(CBinaryData const& value);
+    static std::string integerToString(CBigInteger const& value);
+    // A null format prints every fractional digit; any other is read as a
+    // number of places for CDecimal::ToString(int).
+    static std::string decimalToString(CDecimal const& value, char const* format = nullptr);
     // The wider value classes add their printers here as they join:
-    // integer, decimal, duration, yearMonth, monthDay, date, datetime, time.
+    // integer, decimal.
+    static std::string durationToString(CDateTimeSpan const& value);
+    // The date kinds print the XML form of the value's own type.
+    static std::string yearMonthToString(CDateTime const& value);
+    static std::string monthDayToString(CDateTime const& value);
+    static std::string dateToString(CDateTime const& value);
+    static std::string datetimeToString(CDateTime const& value);
+    static std::string timeToString(CDateTime const& value);
 
     static std::string stringFromString(std::string const& text, WhitespaceRule rule);
     static bool booleanFromString(std::string const& text, WhitespaceRule rule);
@@ -101,8 +115,18 @@ public:
     static unsigned char dayFromString(std::string const& text, WhitespaceRule rule);
     static CBinaryData hexBinaryFromString(std::string const& text, WhitespaceRule rule);
     static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
+    static CBigInteger integerFromString(std::string const& text, WhitespaceRule rule);
+    static CDecimal decimalFromString(std::string const& text, WhitespaceRule rule);
     // The wider value classes add their parsers here as they join:
-    // integer, decimal, duration, datetime, date, time, yearMonth, monthDay.
+    // integer, decimal.
+    static CDateTimeSpan durationFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime datetimeFromString(std::string const& text, WhitespaceRule rule);
+    // date, yearMonth and monthDay read every date-only form, so the type of
+    // the result is that of the text.
+    static CDateTime dateFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime timeFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime yearMonthFromString(std::string const& text, WhitespaceRule rule);
+    static CDateTime monthDayFromString(std::string const& text, WhitespaceRule rule);
 };
 
 // Removes trailing "0" characters but never the first one: "100" -> "1".
@@ -151,6 +175,226 @@ private:
 };
 
 // ---------------------------------------------------------------------------
+// Exact numbers: integers of any size (xsd:integer and its relatives) and
+// decimals (xsd:decimal).
+// ---------------------------------------------------------------------------
+
+// An integer of any size: a sign and its decimal digits.
+//
+// Zero normally has sign +1, but "-0" and a product with zero keep -1 on it:
+// == calls such a zero equal to 0 while < and > order by sign first, so -0 is
+// less than 0. A text ending in a line break parses to an empty digit vector,
+// which prints "0" and is not == 0.
+//
+// The conversions from double, text and CDecimal are explicit, and so is the
+// one to int (it throws when out of range): with both directions implicit,
+// `value == 0` would be ambiguous.
+class CBigInteger {
+public:
+    // One decimal digit (the number 0-9, not a character) per element, least
+    // significant first. Values made by the operations have no high-order
+    // zeros; zero is the single digit 0.
+    typedef std::vector<char> Digits;
+
+    CBigInteger();
+    CBigInteger(int value);
+    // Rounds to the nearest whole number, halves towards zero. A NaN gives the
+    // empty digit vector; an infinity throws CKdOverFlowException.
+    explicit CBigInteger(double value);
+    // Parse.
+    explicit CBigInteger(char const* text);
+    // The decimal rounded to a whole number by ChangeFractionalDivider(0).
+    explicit CBigInteger(CDecimal const& value);
+    CBigInteger(CBigInteger const& other) = default;
+    CBigInteger(CBigInteger&& other) noexcept = default;
+    CBigInteger& operator=(CBigInteger const& other) = default;
+    CBigInteger& operator=(CBigInteger&& other) noexcept = default;
+    virtual ~CBigInteger();
+
+    void Abs() { m_sign = 1; }
+    // -1 becomes +1, anything else -1.
+    void Negate() { m_sign = m_sign == -1 ? 1 : -1; }
+    CBigInteger GetAbs() const;
+    CBigInteger GetNegative() const;
+    // Negates this object in place and returns it: no copy is made.
+    CBigInteger& operator-();
+
+    // Leading and trailing blanks are stripped and a first "-" makes the value
+    // negative; then only the trailing run of digits counts ("12-34" is 34).
+    // A text holding any character but digits, signs, blanks, tabs and line
+    // ends is read as a CDecimal and rounded, so "12.9" is 13 and "1.7E+308"
+    // is 17 followed by 307 zeros; its failures are the decimal's.
+    void Parse(char const* text);
+    std::string ToString() const;
+
+    CBigInteger& operator+=(CBigInteger const& other);
+    CBigInteger& operator-=(CBigInteger const& other);
+    CBigInteger& operator*=(CBigInteger const& other);
+    // The guards differ on purpose: / refuses a zero divisor, the other three
+    // a negative one (and, since it has no quotient, zero as well). All throw
+    // CKdInvalidValueException. Quotients truncate towards zero; a remainder
+    // has the sign of the dividend.
+    CBigInteger& operator/=(CBigInteger const& other);
+    CBigInteger& operator%=(CBigInteger const& other);
+    CBigInteger operator+(CBigInteger const& other) const;
+    CBigInteger operator-(CBigInteger const& other) const;
+    CBigInteger operator*(CBigInteger const& other) const;
+    CBigInteger operator/(CBigInteger const& other) const;
+    CBigInteger operator%(CBigInteger const& other) const;
+
+    bool operator==(CBigInteger const& other) const;
+    bool operator!=(CBigInteger const& other) const { return !(*this == other); }
+    bool operator<(CBigInteger const& other) const;
+    bool operator>(CBigInteger const& other) const;
+    bool operator<=(CBigInteger const& other) const { return !(*this > other); }
+    bool operator>=(CBigInteger const& other) const { return !(*this < other); }
+
+    // The truncated square root; a negative value and zero throw.
+    CBigInteger SquareRoot() const;
+    // Throws CKdInvalidValueException outside the range of a 32-bit int.
+    explicit operator int() const;
+
+    // Magnitude operations on digit vectors. The result arguments may be the
+    // same vectors as the operands.
+    // -1, 0 or 1; a shorter vector is the smaller.
+    static int Compare(Digits const& a, Digits const& b);
+    // The length, but 1 for an empty vector.
+    static int Position(Digits const& digits);
+    // Removes high-order zeros, always keeping the lowest element.
+    static void Clean(Digits& digits);
+    // Multiplies by 10 to the n; nothing for n below 1.
+    static void ShiftLeft(Digits& digits, int n);
+    static void Build(unsigned int value, Digits& digits);
+    static void BuildDWORDLONG(unsigned long long value, Digits& digits);
+    static void BuildDouble(double magnitude, Digits& digits);
+    // The trailing run of digits of the text, Clean-ed.
+    static void Build(std::string const& text, Digits& digits);
+    static void Add(Digits const& a, Digits const& b, Digits& result);
+    // a - b for a at least b.
+    static void Subtract(Digits const& a, Digits const& b, Digits& result);
+    static void Multiply(Digits const& a, char digit, Digits& result);
+    static void Multiply(Digits const& a, Digits const& b, Digits& result);
+    // A zero divisor throws CKdInvalidValueException.
+    static void Divide(Digits const& a, Digits const& b, Digits& quotient, Digits& remainder);
+    static void Pow10(unsigned int n, Digits& digits);
+    static CBigInteger Pow10(unsigned int n);
+
+    // Bounds of the conversions of CDecimal. MAX_LONG and MIN_LONG are the
+    // 32-bit bounds whatever the platform's long.
+    static CBigInteger const MAX_LONG;
+    static CBigInteger const MIN_LONG;
+    static CBigInteger const MAX_LONGLONG;
+    static CBigInteger const MIN_LONGLONG;
+    static CBigInteger const MAX_DOUBLE;
+    static CBigInteger const MIN_DOUBLE;
+
+private:
+    friend class CDecimal;
+
+    CBigInteger(int sign, Digits&& digits) : m_sign(sign), m_digits(std::move(digits)) {}
+    bool IsZero() const { return m_digits.size() == 1 && m_digits[0] == 0; }
+    // Signed quotient and remainder behind the operators' guards.
+    static void DivideSigned(CBigInteger const& dividend, CBigInteger const& divisor, CBigInteger* quotient,
+                             CBigInteger* remainder);
+    void AddSigned(CBigInteger const& other, int otherSign);
+
+    int m_sign;  // +1 or -1
+    Digits m_digits;
+};
+
+// An exact decimal: an integer part, a fractional part (the digits after the
+// point read as an integer) and the count of fractional digits it stands
+// for. Both parts carry the value's sign, so -1.5 is -1 and -5, and -0.5 is
+// a zero integer part with sign -1 and -5.
+//
+// Sums are exact; products, quotients and parsed texts keep at most
+// m_maxDivider fractional digits. Rounding, by ChangeFractionalDivider,
+// sends an exact half towards zero. The arithmetic and comparison operators
+// take and change copies, never their operands.
+class CDecimal {
+public:
+    static constexpr int m_maxDivider = 30;
+
+    CDecimal();
+    CDecimal(int value);
+    CDecimal(CBigInteger const& value);
+    CDecimal(CBigInteger const& integerPart, CBigInteger const& fraction, int digitCount);
+    // Parse.
+    explicit CDecimal(char const* text);
+    // The value printed with 13 fractional digits, then parsed; a NaN or an
+    // infinity throws the parser's failure.
+    explicit CDecimal(double value);
+    CDecimal(CDecimal const& other) = default;
+    CDecimal(CDecimal&& other) noexcept = default;
+    CDecimal& operator=(CDecimal const& other) = default;
+    CDecimal& operator=(CDecimal&& other) noexcept = default;
+    virtual ~CDecimal();
+
+    // Reads digits, a point and an exponent ("1.5E-3"). White space is
+    // skipped anywhere before the exponent's digits, and signs may stand
+    // anywhere in the integer part, the last one winning ("1-2" is -12).
+    // A refused character throws CKdInvalidValueException naming its
+    // position, and leaves the value as it was.
+    void Parse(char const* text);
+    // Every fractional digit; no point for a whole value.
+    std::string ToString() const;
+    // Adds one half of a unit (not of the last place) away from zero, then
+    // cuts the fraction to `places` digits; the point is always written.
+    std::string ToString(int places) const;
+
+    void Negate();
+    CDecimal GetNegative() const;
+    // Brings the value to digitCount fractional digits, rounding as above. A
+    // carry that fills the fraction is not passed on: 0.999 at two digits
+    // holds a fraction of 100 and prints "0.100".
+    void ChangeFractionalDivider(int digitCount);
+    // Raises the one with fewer fractional digits; returns the common count.
+    static int Normalize(CDecimal& a, CDecimal& b);
+    // Removes trailing zeros from the fraction.
+    void Rationalise();
+
+    CDecimal operator+(CDecimal const& other) const;
+    CDecimal operator-(CDecimal const& other) const;
+    CDecimal operator*(CDecimal const& other) const;
+    // Truncated at m_maxDivider + 2 places, then rounded. A zero divisor
+    // throws CKdInvalidValueException.
+    CDecimal operator/(CDecimal const& other) const;
+    CDecimal& operator+=(CDecimal const& other);
+    CDecimal& operator-=(CDecimal const& other);
+    CDecimal& operator*=(CDecimal const& other);
+    CDecimal& operator/=(CDecimal const& other);
+    CDecimal& operator++();
+    CDecimal& operator--();
+    // The postfix forms return the stepped copy and leave the object as it was.
+    CDecimal operator++(int) const;
+    CDecimal operator--(int) const;
+
+    bool operator==(CDecimal const& other) const;
+    bool operator!=(CDecimal const& other) const { return !(*this == other); }
+    bool operator<(CDecimal const& other) const;
+    bool operator>(CDecimal const& other) const;
+    bool operator<=(CDecimal const& other) const { return !(*this > other); }
+    bool operator>=(CDecimal const& other) const { return !(*this < other); }
+
+    CBigInteger ToBigInteger() const;
+    // Rounds; throws CKdOverFlowException outside the 32-bit range.
+    long ToLong() const;
+    // Truncates; throws CKdOverFlowException outside the 64-bit range.
+    long long ToLongLong() const;
+    // Throws CKdOverFlowException when the integer part passes 1.7E+308.
+    double ToDouble() const;
+
+private:
+    CDecimal(CBigInteger&& integerPart, CBigInteger&& fraction, int digitCount);
+    // Rationalise, then round to m_maxDivider places when there are more.
+    void Settle();
+
+    CBigInteger m_integer;
+    CBigInteger m_fraction;
+    int m_digitCount;  // fractional digits m_fraction stands for; 1 for a whole value
+};
+
+// ---------------------------------------------------------------------------
 // Binary data: the value of hexBinary and base64Binary and the library's byte
 // buffer. A handle to a counted, copy-on-write holder.
 // ---------------------------------------------------------------------------
@@ -191,6 +435,259 @@ public:
 
 private:
     CDataHolder* m_holder;
+};
+
+// ---------------------------------------------------------------------------
+// Dates and times: one class for the eight date and time types of XML
+// Schema, told apart by a type tag, and the duration. Both print and parse
+// by their own code, independent of the process's locale and time zone.
+// ---------------------------------------------------------------------------
+
+constexpr short MIN_YEAR = -9999;
+constexpr short MAX_YEAR = 9999;
+// The longest length of each month (February 29).
+extern int const g_monthMax[12];
+// The days before each month in a common year; the 13th entry is the year.
+extern int const g_monthDayInYear[13];
+
+// Negative years take the same test; there is no shift for the missing year zero.
+bool IsLeapYear(int year);
+
+// floor(a / b) in single precision, as the date arithmetic has always
+// computed it: inexact beyond about 16.7 million. A quotient outside the
+// range of int is pinned to its nearest end.
+int GetQuotient(long long a, int b);
+// a - b * GetQuotient(a, b), so it always agrees with the quotient.
+long long GetModulo(long long a, int b);
+
+class CDateTimeSpan;
+
+class CDateTime {
+public:
+    enum DTType {
+        dt_yearZero = 0,  // not set
+        dt_dateTime = 1,
+        dt_date = 2,
+        dt_gYearMonth = 3,
+        dt_gYear = 4,
+        dt_time = 5,
+        dt_gDay = 6,
+        dt_gMonth = 7,
+        dt_gMonthDay = 8
+    };
+
+    CDateTime();
+    explicit CDateTime(DTType type);
+    // The value constructors come back unset (dt_yearZero) when the fields
+    // are invalid, where the setters throw.
+    CDateTime(short year, unsigned char month, unsigned char day);
+    CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+              unsigned char second);
+    CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+              unsigned char second, unsigned short milli, unsigned short micro, unsigned short nano);
+    // Seconds of the epoch, as UTC.
+    CDateTime(long const& seconds);
+    // Parses a dateTime and lets the failure through.
+    CDateTime(char const* text);
+    CDateTime(CDateTime const&) = default;
+    CDateTime& operator=(CDateTime const&) = default;
+    virtual ~CDateTime();
+
+    // "dateTime", "date", ...; the empty string for a number above 8.
+    static std::string GetTypeAsString(DTType type);
+    std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
+    static CDateTime GetCurrentTime();
+
+    // Setters throw CKdInvalidStateException when the value already holds
+    // another type (Clear first), and CKdInvalidValueException when the
+    // fields are invalid; the failed fields then stay stored.
+    void SetDateTime(DTType type, short year, unsigned char month, unsigned char day, unsigned char hour,
+                     unsigned char minute, unsigned char second, unsigned short milli, unsigned short micro,
+                     unsigned short nano);
+    void SetDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+                     unsigned char second, unsigned short milli, unsigned short micro, unsigned short nano);
+    void SetDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+                     unsigned char second);
+    void SetDate(short year, unsigned char month, unsigned char day);
+    void SetGYearMonth(short year, unsigned char month);
+    void SetGYear(short year);
+    void SetGMonth(unsigned char month);
+    void SetGDay(unsigned char day);
+    void SetGMonthDay(unsigned char month, unsigned char day);
+    void SetTime(unsigned char hour, unsigned char minute, unsigned char second, unsigned short milli,
+                 unsigned short micro, unsigned short nano);
+    void SetTime(unsigned char hour, unsigned char minute, unsigned char second);
+    void SetFracTime(unsigned short milli, unsigned short micro, unsigned short nano);
+    // Copies source under the type to, when source holds enough for it;
+    // fields the new type does not hold keep the source's numbers.
+    void SetDateTime(CDateTime const& source, DTType to);
+    bool CheckConversion(DTType from, DTType to) const;
+
+    void Clear();
+    DTType GetType() const { return m_type; }
+    void Validate() const;
+
+    // IsUTC: a zone is present ("Z" or an offset). HasTimeZone: a numeric
+    // offset is present, "+00:00" included.
+    bool IsUTC() const { return m_utc; }
+    bool HasTimeZone() const { return m_hasTimeZone; }
+    void SetUTC();
+    // The sign of the offset lies in the hour alone.
+    void SetTimeZone(short hour, unsigned char minute);
+    short GetZoneHour() const;
+    unsigned char GetZoneMinute() const;
+
+    // Accessors throw CKdInvalidStateException for a field the type does not hold.
+    short GetYear() const;
+    unsigned char GetMonth() const;
+    unsigned char GetDay() const;
+    unsigned char GetHour() const;
+    unsigned char GetMinute() const;
+    unsigned char GetSecond() const;
+    double GetRealSecond() const;
+    unsigned short GetMilliSecond() const;
+    unsigned short GetMicroSecond() const;
+    unsigned short GetNanoSecond() const;
+    // In a leap year January and February carry the extra day, so 1 March is
+    // day 60 in any year.
+    unsigned short GetDayOfYear() const;
+    unsigned char GetDayOfWeek() const;
+
+    CDateTime& operator=(long const& seconds);
+    // Seconds of the epoch of a dateTime or date, after normalisation to UTC.
+    long GetTime() const;
+
+    // Text. ToString() is ToString("s"), the XML form; any unknown format
+    // gives "Unknown Format: " and the format.
+    std::string ToString(char const* format) const;
+    std::string ToString() const { return ToString("s"); }
+    // The type comes from the shape of the text.
+    void ParseXSDDate(char const* text);
+    void ParseXSDTime(char const* text);
+    void ParseXSDDateTime(char const* text);
+    // The working parsers: they neither clear nor validate.
+    void SetXSDDate(char const* text);
+    void SetXSDTime(char const* text);
+    void SetZone(char const* text);
+
+    // Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
+    CDateTime GetNormalized() const;
+    int CompareTo(CDateTime const& other) const;
+    bool operator==(CDateTime const& other) const { return CompareTo(other) == 0; }
+    bool operator!=(CDateTime const& other) const { return CompareTo(other) != 0; }
+    bool operator<(CDateTime const& other) const { return CompareTo(other) == 1; }
+    bool operator<=(CDateTime const& other) const;
+    bool operator>(CDateTime const& other) const { return CompareTo(other) == 2; }
+    bool operator>=(CDateTime const& other) const;
+
+    // Arithmetic. The result is not validated: 2004-01-31 plus P1M is 2004-02-31.
+    void AddDateTimeSpan(CDateTimeSpan const& span);
+    CDateTime& operator+=(CDateTimeSpan const& span);
+    CDateTime& operator-=(CDateTimeSpan const& span);
+    CDateTime operator+(CDateTimeSpan const& span) const;
+    CDateTime operator-(CDateTimeSpan const& span) const;
+    // The difference of two dates is not computed: a zero span.
+    CDateTimeSpan operator-(CDateTime const& other) const;
+
+private:
+    // Formats the XML form into out (at least 64 bytes); returns its length.
+    size_t FormatXml(char* out) const;
+    void SetXSDDate(char const* text, size_t length);
+    void SetXSDTime(char const* text, size_t length);
+    void SetZone(char const* text, size_t length);
+
+    DTType m_type;
+    short m_year;  // negative: before the common era
+    unsigned char m_month;
+    unsigned char m_day;
+    unsigned char m_hour;
+    unsigned char m_minute;
+    unsigned char m_second;
+    // The fraction of a second as three groups of three digits, 0 to 999 each.
+    unsigned short m_milli;
+    unsigned short m_micro;
+    unsigned short m_nano;
+    bool m_utc;          // a zone is present
+    bool m_hasTimeZone;  // the zone is a numeric offset
+    short m_zoneHour;    // -23 to 23, with the offset's sign
+    unsigned char m_zoneMinute;  // 0 to 59, no sign of its own
+};
+
+// 0 equal, 1 less, 2 greater, 3 indeterminate, field by field and without
+// regard to zones. Months are taken from a for both sides.
+int Compare(CDateTime const& a, CDateTime const& b);
+
+// xsd:duration: a sign and separate counts, never normalised into one
+// another since a month has no fixed length.
+class CDateTimeSpan {
+public:
+    CDateTimeSpan();
+    CDateTimeSpan(unsigned long hours, unsigned long long minutes, unsigned long long seconds);
+    CDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                  unsigned long long minutes, unsigned long long seconds);
+    CDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                  unsigned long long minutes, unsigned long long seconds, unsigned short milli,
+                  unsigned short micro, unsigned short nano);
+    CDateTimeSpan(CDateTimeSpan const&) = default;
+    CDateTimeSpan& operator=(CDateTimeSpan const&) = default;
+    virtual ~CDateTimeSpan();
+
+    // Each clears first: the span is then positive and the fields left out zero.
+    void SetDateTimeSpan(unsigned long hours, unsigned long long minutes, unsigned long long seconds);
+    void SetDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                         unsigned long long minutes, unsigned long long seconds);
+    void SetDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                         unsigned long long minutes, unsigned long long seconds, unsigned short milli,
+                         unsigned short micro, unsigned short nano);
+    void Clear();
+
+    unsigned short GetYears() const { return m_years; }
+    unsigned long GetMonths() const { return m_months; }
+    unsigned long GetDays() const { return m_days; }
+    unsigned long GetHours() const { return m_hours; }
+    unsigned long long GetMinutes() const { return m_minutes; }
+    unsigned long long GetSeconds() const { return m_seconds; }
+    unsigned short GetMilliSeconds() const { return m_milli; }
+    unsigned short GetMicroSeconds() const { return m_micro; }
+    unsigned short GetNanoSeconds() const { return m_nano; }
+    void SetYears(unsigned short value) { m_years = value; }
+    void SetMonths(unsigned long value) { m_months = value; }
+    void SetDays(unsigned long value) { m_days = value; }
+    void SetHours(unsigned long value) { m_hours = value; }
+    void SetMinutes(unsigned long long value) { m_minutes = value; }
+    void SetSeconds(unsigned long long value) { m_seconds = value; }
+    void SetMilliSeconds(unsigned short value) { m_milli = value; }
+    void SetMicroSeconds(unsigned short value) { m_micro = value; }
+    void SetNanoSeconds(unsigned short value) { m_nano = value; }
+
+    bool IsNegative() const { return m_negative; }
+    void Negate() { m_negative = !m_negative; }
+    // A negative copy; the copy of a negative span stays negative.
+    CDateTimeSpan GetAsNegative() const;
+
+    // The zero span prints "P", which the parser refuses.
+    std::string ToString() const;
+    void ParseXSDDuration(char const* text);
+
+    // Ordered by adding both to four reference dates: 0 equal, 1 less,
+    // 2 greater, 3 indeterminate.
+    int CompareTo(CDateTimeSpan const& other) const;
+    bool operator<(CDateTimeSpan const& other) const { return CompareTo(other) == 1; }
+    bool operator>(CDateTimeSpan const& other) const { return CompareTo(other) == 2; }
+    bool operator==(CDateTimeSpan const& other) const { return CompareTo(other) == 0; }
+    bool operator!=(CDateTimeSpan const& other) const { return CompareTo(other) != 0; }
+
+private:
+    unsigned short m_years;
+    unsigned long m_months;
+    unsigned long m_days;
+    unsigned long m_hours;
+    unsigned long long m_minutes;
+    unsigned long long m_seconds;
+    unsigned short m_milli;  // the fraction of a second in groups of three digits
+    unsigned short m_micro;
+    unsigned short m_nano;
+    bool m_negative;  // the sign of the whole span
 };
 
 // ---------------------------------------------------------------------------

@@ -48,15 +48,15 @@ PayloadOwnership const kOwnership[] = {
     Inline(), Inline(), Inline(), Inline(),  // 3-6 i1 i2 i4 i8
     Inline(), Inline(), Inline(), Inline(),  // 7-10 ui1 ui2 ui4 ui8
     Inline(), Inline(),             // 11-12 r4 r8
-    Inline(),                       // 13 duration
-    Inline(), Inline(),             // 14-15 yearMonth monthDay
+    Owned<CDateTimeSpan>(),         // 13 duration
+    Owned<CDateTime>(), Owned<CDateTime>(),  // 14-15 yearMonth monthDay
     Inline(), Inline(), Inline(),   // 16-18 year month day
-    Inline(), Inline(), Inline(),   // 19-21 date datetime time
+    Owned<CDateTime>(), Owned<CDateTime>(), Owned<CDateTime>(),  // 19-21 date datetime time
     Inline(),                       // 22 char
     Owned<std::string>(),           // 23 string
     Inline(),                       // 24 boolean
-    Inline(),                       // 25 decimal
-    Inline(),                       // 26 integer
+    Owned<CDecimal>(),              // 25 decimal
+    Owned<CBigInteger>(),           // 26 integer
     Counted<CXmlObjectBase>(),      // 27 xmlObject
     Counted<CXmlCollectionBase>(),  // 28 xmlCollection
 };
@@ -165,6 +165,30 @@ void KdVariant::SetString(std::string value)
     Reset(ItemType_string).string = copy;
 }
 
+void KdVariant::SetDecimal(CDecimal const& value)
+{
+    CDecimal* copy = new CDecimal(value);
+    Reset(ItemType_decimal).decimal = copy;
+}
+
+void KdVariant::SetInteger(CBigInteger const& value)
+{
+    CBigInteger* copy = new CBigInteger(value);
+    Reset(ItemType_integer).integer = copy;
+}
+
+CDecimal KdVariant::GetDecimal() const
+{
+    CDecimal const* value = PayloadOf(m_type, m_value.decimal, {ItemType_decimal});
+    return value ? *value : CDecimal();
+}
+
+CBigInteger KdVariant::GetInteger() const
+{
+    CBigInteger const* value = PayloadOf(m_type, m_value.integer, {ItemType_integer});
+    return value ? *value : CBigInteger();
+}
+
 void KdVariant::SetXmlObject(CXmlObjectBase* value)
 {
     if (value)
@@ -178,6 +202,65 @@ void KdVariant::SetXmlCollection(CXmlCollectionBase* value)
         value->AddRef();
     Reset(ItemType_xmlCollection).collection = value;
 }
+
+// The duration and the five date kinds hold a copy of their value.
+void KdVariant::SetDuration(CDateTimeSpan const& value)
+{
+    CDateTimeSpan* copy = new CDateTimeSpan(value);
+    Reset(ItemType_duration).duration = copy;
+}
+
+void KdVariant::SetYearMonth(CDateTime const& value)
+{
+    CDateTime* copy = new CDateTime(value);
+    Reset(ItemType_yearMonth).dateTime = copy;
+}
+
+void KdVariant::SetMonthDay(CDateTime const& value)
+{
+    CDateTime* copy = new CDateTime(value);
+    Reset(ItemType_monthDay).dateTime = copy;
+}
+
+void KdVariant::SetDate(CDateTime const& value)
+{
+    CDateTime* copy = new CDateTime(value);
+    Reset(ItemType_date).dateTime = copy;
+}
+
+void KdVariant::SetDateTime(CDateTime const& value)
+{
+    CDateTime* copy = new CDateTime(value);
+    Reset(ItemType_datetime).dateTime = copy;
+}
+
+void KdVariant::SetTime(CDateTime const& value)
+{
+    CDateTime* copy = new CDateTime(value);
+    Reset(ItemType_time).dateTime = copy;
+}
+
+CDateTimeSpan KdVariant::GetDuration() const
+{
+    CDateTimeSpan const* value = PayloadOf(m_type, m_value.duration, {ItemType_duration});
+    return value ? *value : CDateTimeSpan();
+}
+
+// Any of the five date kinds reads as any other: they hold the same class.
+namespace {
+CDateTime DateOf(ItemType tag, CDateTime const* payload)
+{
+    CDateTime const* value = PayloadOf(
+        tag, payload, {ItemType_yearMonth, ItemType_monthDay, ItemType_date, ItemType_datetime, ItemType_time});
+    return value ? *value : CDateTime();
+}
+} // namespace
+
+CDateTime KdVariant::GetYearMonth() const { return DateOf(m_type, m_value.dateTime); }
+CDateTime KdVariant::GetMonthDay() const { return DateOf(m_type, m_value.dateTime); }
+CDateTime KdVariant::GetDate() const { return DateOf(m_type, m_value.dateTime); }
+CDateTime KdVariant::GetDateTime() const { return DateOf(m_type, m_value.dateTime); }
+CDateTime KdVariant::GetTime() const { return DateOf(m_type, m_value.dateTime); }
 
 CSmartPtr<CXmlObjectBase> KdVariant::GetXmlObject() const
 {

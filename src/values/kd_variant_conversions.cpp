@@ -37,17 +37,12 @@ constexpr KindConversion KindWithFormat() { return {&PrintPayloadWithFormat<Get,
 // stringToString is a plain copy, and GetString already hands back a copy.
 std::string PrintString(KdVariant const& value, char const* /*format*/) { return value.GetString(); }
 
-// A kind whose value class has not joined the library yet.
-constexpr KindConversion NotYet() { return {nullptr, nullptr}; }
-
 typedef CConversions C;
 typedef KdVariant V;
 
-// Indexed by tag, one row per primitive kind. A value class, when it joins,
-// fills its NotYet rows, e.g. for hexBinary:
-//   Kind<&V::GetHexBinary, &V::SetHexBinary, &C::hexBinaryToString, &C::hexBinaryFromString>()
+// Indexed by tag, one row per primitive kind.
 KindConversion const kKinds[] = {
-    NotYet(),                                                                                  // 0 invalid, never read
+    {nullptr, nullptr},                                                                        // 0 invalid, never read
     Kind<&V::GetHexBinary, &V::SetHexBinary, &C::hexBinaryToString, &C::hexBinaryFromString>(),  // 1 hexBinary
     Kind<&V::GetBase64Binary, &V::SetBase64Binary, &C::base64BinaryToString,
          &C::base64BinaryFromString>(),                                                        // 2 base64Binary
@@ -61,20 +56,20 @@ KindConversion const kKinds[] = {
     Kind<&V::GetUI8, &V::SetUI8, &C::ui8ToString, &C::ui8FromString>(),                        // 10 ui8
     KindWithFormat<&V::GetR4, &V::SetR4, &C::r4ToString, &C::r4FromString>(),                  // 11 r4
     KindWithFormat<&V::GetR8, &V::SetR8, &C::r8ToString, &C::r8FromString>(),                  // 12 r8
-    NotYet(),                                                                                  // 13 duration
-    NotYet(),                                                                                  // 14 yearMonth
-    NotYet(),                                                                                  // 15 monthDay
+    Kind<&V::GetDuration, &V::SetDuration, &C::durationToString, &C::durationFromString>(),    // 13 duration
+    Kind<&V::GetYearMonth, &V::SetYearMonth, &C::yearMonthToString, &C::yearMonthFromString>(),// 14 yearMonth
+    Kind<&V::GetMonthDay, &V::SetMonthDay, &C::monthDayToString, &C::monthDayFromString>(),    // 15 monthDay
     Kind<&V::GetYear, &V::SetYear, &C::yearToString, &C::yearFromString>(),                    // 16 year
     Kind<&V::GetMonth, &V::SetMonth, &C::monthToString, &C::monthFromString>(),                // 17 month
     Kind<&V::GetDay, &V::SetDay, &C::dayToString, &C::dayFromString>(),                        // 18 day
-    NotYet(),                                                                                  // 19 date
-    NotYet(),                                                                                  // 20 datetime
-    NotYet(),                                                                                  // 21 time
+    Kind<&V::GetDate, &V::SetDate, &C::dateToString, &C::dateFromString>(),                    // 19 date
+    Kind<&V::GetDateTime, &V::SetDateTime, &C::datetimeToString, &C::datetimeFromString>(),    // 20 datetime
+    Kind<&V::GetTime, &V::SetTime, &C::timeToString, &C::timeFromString>(),                    // 21 time
     Kind<&V::GetChar, &V::SetChar, &C::charToString, &C::charFromString>(),                    // 22 char
     {&PrintString, &StorePayload<&V::SetString, &C::stringFromString>},                        // 23 string
     Kind<&V::GetBoolean, &V::SetBoolean, &C::booleanToString, &C::booleanFromString>(),        // 24 boolean
-    NotYet(),                                                                                  // 25 decimal
-    NotYet(),                                                                                  // 26 integer
+    KindWithFormat<&V::GetDecimal, &V::SetDecimal, &C::decimalToString, &C::decimalFromString>(),  // 25 decimal
+    Kind<&V::GetInteger, &V::SetInteger, &C::integerToString, &C::integerFromString>(),            // 26 integer
 };
 
 constexpr int kKindCount = static_cast<int>(sizeof(kKinds) / sizeof(kKinds[0]));
@@ -84,11 +79,6 @@ static_assert(kKindCount == ItemType_integer + 1, "one row per primitive kind");
 // anything out of range.
 KindConversion const* ConversionOf(int type) { return type > 0 && type < kKindCount ? &kKinds[type] : nullptr; }
 
-CKdException NotSupportedYet(int type)
-{
-    return CKdException(FormatString("Lexical conversion of type [%s] is not supported yet", ItemTypeName(type)));
-}
-
 } // namespace
 
 std::string KdVariant::ToString(char const* format) const
@@ -96,8 +86,6 @@ std::string KdVariant::ToString(char const* format) const
     KindConversion const* kind = ConversionOf(m_type);
     if (!kind)
         throw CKdException(FormatString("Invalid Type %d to convert to string", static_cast<int>(m_type)));
-    if (!kind->toString)
-        throw NotSupportedYet(m_type);
     return kind->toString(*this, format);
 }
 
@@ -108,8 +96,6 @@ void KdVariant::FromString(std::string const& value, ItemType type, CWhitespaceU
     // library has always reported it so.
     if (!kind)
         throw CKdException(FormatString("Invalid Type %d to convert to string", static_cast<int>(m_type)));
-    if (!kind->fromString)
-        throw NotSupportedYet(type);
     kind->fromString(*this, value, rule);
 }
 
