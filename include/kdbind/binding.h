@@ -176,6 +176,27 @@ public:
     // the process on a trap.
     static void CheckRestrictionForstring(char const* name, std::string value,
                                           CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFordecimal(char const* name, CDecimal const& value,
+                                           CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForinteger(char const* name, CBigInteger const& value,
+                                           CPrimitiveRestrictions const& restrictions);
+    // Dates and durations: a comparison that is indeterminate (a zone on one
+    // side only, months against days) passes the bound.
+    static void CheckRestrictionForduration(char const* name, CDateTimeSpan const& value,
+                                            CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForyearMonth(char const* name, CDateTime const& value,
+                                             CPrimitiveRestrictions const& restrictions);
+    // The same check as CheckRestrictionForyearMonth, under the other name.
+    static void CheckRestrictionFormonthYear(char const* name, CDateTime const& value,
+                                             CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFormonthDay(char const* name, CDateTime const& value,
+                                            CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFordate(char const* name, CDateTime const& value,
+                                        CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFordatetime(char const* name, CDateTime const& value,
+                                            CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFortime(char const* name, CDateTime const& value,
+                                        CPrimitiveRestrictions const& restrictions);
     // Accepts every value: no facet of the record applies to booleans.
     static void CheckRestrictionForboolean(char const* name, bool value, CPrimitiveRestrictions const& restrictions);
 };

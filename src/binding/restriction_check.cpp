@@ -46,7 +46,15 @@ bool Passes(int bound, Order order, bool unorderedPasses)
 template <class Arg>
 Order NaturalOrder(Arg value, Arg bound)
 {
-    return value < bound ? Less : bound < value ? Greater : Equal;
+    return value < bound ? Less : value > bound ? Greater : Equal;
+}
+
+// Dates and durations order themselves, with an indeterminate answer when
+// time zones or month lengths leave the order open.
+template <class T>
+Order CompareToOrder(T const& value, T const& bound)
+{
+    return static_cast<Order>(value.CompareTo(bound));
 }
 
 template <class T>
@@ -56,11 +64,9 @@ Order RealOrder(T value, T bound)
 }
 
 // What sets one kind of bounded value apart: its conversion, its order and
-// its refusal. Value is the type tested, Arg the way it is passed.
-//
-// A kind joins by one such struct and one line in the table of checks; the
-// exact numbers use NaturalOrder through their operators, the dates and
-// durations their CompareTo with UnorderedPasses true.
+// its refusal. Value is the type tested, Arg the way it is passed. The exact
+// numbers order through their operators, dates and durations through their
+// CompareTo, whose indeterminate answer passes every bound.
 template <class Value, class Arg, Value (*Parse)(std::string const&, WhitespaceRule), Order (*Compare)(Arg, Arg),
           std::string (*Refusal)(char const*, Arg), bool UnorderedPasses>
 struct BoundedKind {
@@ -92,6 +98,12 @@ std::string RefusalAsText(char const* name, T value)
     return FormatString("Invalid Value for %s [%s]", name, Print(value).c_str());
 }
 
+template <class T>
+std::string RefusalAsOwnText(char const* name, T const& value)
+{
+    return FormatString("Invalid Value for %s [%s]", name, value.ToString().c_str());
+}
+
 typedef CConversions C;
 typedef BoundedKind<char, char, &C::i1FromString, &NaturalOrder<char>, &RefusalAsInt<char>, false> I1Kind;
 typedef BoundedKind<short, short, &C::i2FromString, &NaturalOrder<short>, &RefusalAsInt<short>, false> I2Kind;
@@ -114,6 +126,16 @@ typedef BoundedKind<unsigned char, unsigned char, &C::dayFromString, &NaturalOrd
                     &RefusalAsInt<unsigned char>, false> DayKind;
 typedef BoundedKind<float, float, &C::r4FromString, &RealOrder<float>, &RefusalAsReal<float>, false> R4Kind;
 typedef BoundedKind<double, double, &C::r8FromString, &RealOrder<double>, &RefusalAsReal<double>, false> R8Kind;
+typedef BoundedKind<CDecimal, CDecimal const&, &C::decimalFromString, &NaturalOrder<CDecimal const&>,
+                    &RefusalAsOwnText<CDecimal>, false> DecimalKind;
+typedef BoundedKind<CBigInteger, CBigInteger const&, &C::integerFromString, &NaturalOrder<CBigInteger const&>,
+                    &RefusalAsOwnText<CBigInteger>, false> IntegerKind;
+typedef BoundedKind<CDateTimeSpan, CDateTimeSpan const&, &C::durationFromString, &CompareToOrder<CDateTimeSpan>,
+                    &RefusalAsOwnText<CDateTimeSpan>, true> DurationKind;
+// The date kinds differ only in the form their bounds are read in.
+template <CDateTime (*Parse)(std::string const&, WhitespaceRule)>
+using DateKind = BoundedKind<CDateTime, CDateTime const&, Parse, &CompareToOrder<CDateTime>,
+                             &RefusalAsOwnText<CDateTime>, true>;
 
 // The parsed bounds of one record for one kind, with the texts they came
 // from: a record whose public fields were changed after its first check is
@@ -278,10 +300,6 @@ void CheckStringVariant(char const* name, KdVariant const& value, CPrimitiveRest
     CXmlObjectHelper::CheckRestrictionForstring(name, value.GetString(), restrictions);
 }
 
-// A kind whose value class has not joined the library: its values cannot be
-// made yet, and are let through as before facets were checked.
-void NotCheckedYet(char const*, KdVariant const&, CPrimitiveRestrictions const&) {}
-
 typedef CXmlObjectHelper H;
 typedef KdVariant V;
 
@@ -300,20 +318,20 @@ VariantCheck const kChecks[] = {
     &CheckVariant<unsigned long long, &V::GetUI8, &H::CheckRestrictionForui8>,          // 10 ui8
     &CheckVariant<float, &V::GetR4, &H::CheckRestrictionForr4>,                         // 11 r4
     &CheckVariant<double, &V::GetR8, &H::CheckRestrictionForr8>,                        // 12 r8
-    &NotCheckedYet,                                                                     // 13 duration
-    &NotCheckedYet,                                                                     // 14 yearMonth
-    &NotCheckedYet,                                                                     // 15 monthDay
+    &CheckVariantByReference<CDateTimeSpan, &V::GetDuration, &H::CheckRestrictionForduration>,   // 13 duration
+    &CheckVariantByReference<CDateTime, &V::GetYearMonth, &H::CheckRestrictionForyearMonth>,     // 14 yearMonth
+    &CheckVariantByReference<CDateTime, &V::GetMonthDay, &H::CheckRestrictionFormonthDay>,       // 15 monthDay
     &CheckVariant<unsigned short, &V::GetYear, &H::CheckRestrictionForyear>,            // 16 year
     &CheckVariant<unsigned char, &V::GetMonth, &H::CheckRestrictionFormonth>,           // 17 month
     &CheckVariant<unsigned char, &V::GetDay, &H::CheckRestrictionForday>,               // 18 day
-    &NotCheckedYet,                                                                     // 19 date
-    &NotCheckedYet,                                                                     // 20 datetime
-    &NotCheckedYet,                                                                     // 21 time
+    &CheckVariantByReference<CDateTime, &V::GetDate, &H::CheckRestrictionFordate>,               // 19 date
+    &CheckVariantByReference<CDateTime, &V::GetDateTime, &H::CheckRestrictionFordatetime>,       // 20 datetime
+    &CheckVariantByReference<CDateTime, &V::GetTime, &H::CheckRestrictionFortime>,               // 21 time
     nullptr,                                                                            // 22 char
     &CheckStringVariant,                                                                // 23 string
     &CheckVariant<bool, &V::GetBoolean, &H::CheckRestrictionForboolean>,                // 24 boolean
-    &NotCheckedYet,                                                                     // 25 decimal
-    &NotCheckedYet,                                                                     // 26 integer
+    &CheckVariantByReference<CDecimal, &V::GetDecimal, &H::CheckRestrictionFordecimal>,          // 25 decimal
+    &CheckVariantByReference<CBigInteger, &V::GetInteger, &H::CheckRestrictionForinteger>,       // 26 integer
 };
 
 constexpr int kCheckCount = static_cast<int>(sizeof(kChecks) / sizeof(kChecks[0]));
@@ -415,6 +433,60 @@ void CXmlObjectHelper::CheckRestrictionForday(char const* name, unsigned char va
                                               CPrimitiveRestrictions const& restrictions)
 {
     CheckBounds<DayKind>(name, value, restrictions, ItemType_day);
+}
+
+void CXmlObjectHelper::CheckRestrictionFordecimal(char const* name, CDecimal const& value,
+                                                  CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<DecimalKind>(name, value, restrictions, ItemType_decimal);
+}
+
+void CXmlObjectHelper::CheckRestrictionForinteger(char const* name, CBigInteger const& value,
+                                                  CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<IntegerKind>(name, value, restrictions, ItemType_integer);
+}
+
+void CXmlObjectHelper::CheckRestrictionForduration(char const* name, CDateTimeSpan const& value,
+                                                   CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<DurationKind>(name, value, restrictions, ItemType_duration);
+}
+
+void CXmlObjectHelper::CheckRestrictionForyearMonth(char const* name, CDateTime const& value,
+                                                    CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<DateKind<&C::yearMonthFromString>>(name, value, restrictions, ItemType_yearMonth);
+}
+
+void CXmlObjectHelper::CheckRestrictionFormonthYear(char const* name, CDateTime const& value,
+                                                    CPrimitiveRestrictions const& restrictions)
+{
+    CheckRestrictionForyearMonth(name, value, restrictions);
+}
+
+void CXmlObjectHelper::CheckRestrictionFormonthDay(char const* name, CDateTime const& value,
+                                                   CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<DateKind<&C::monthDayFromString>>(name, value, restrictions, ItemType_monthDay);
+}
+
+void CXmlObjectHelper::CheckRestrictionFordate(char const* name, CDateTime const& value,
+                                               CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<DateKind<&C::dateFromString>>(name, value, restrictions, ItemType_date);
+}
+
+void CXmlObjectHelper::CheckRestrictionFordatetime(char const* name, CDateTime const& value,
+                                                   CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<DateKind<&C::datetimeFromString>>(name, value, restrictions, ItemType_datetime);
+}
+
+void CXmlObjectHelper::CheckRestrictionFortime(char const* name, CDateTime const& value,
+                                               CPrimitiveRestrictions const& restrictions)
+{
+    CheckBounds<DateKind<&C::timeFromString>>(name, value, restrictions, ItemType_time);
 }
 
 void CXmlObjectHelper::CheckRestrictionForstring(char const* name, std::string value,

@@ -70,6 +70,49 @@ TEST(CheckRestriction, RealBoundsRefuseNaN)
               "Invalid Value for x [-0.000000]");
 }
 
+TEST(CheckRestriction, ExactNumbersDatesAndDurations)
+{
+    auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+    CDecimal const price = CConversions::decimalFromString("1.50", collapse);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestrictionFordecimal("d", price, Bounds("", "1.5")); }), kPassed);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestrictionFordecimal("d", price, Bounds("", "", "", "1.5")); }),
+              "Invalid Value for d [" + price.ToString() + "]");
+    CBigInteger const huge = CConversions::integerFromString("123456789012345678901234567890", collapse);
+    EXPECT_EQ(FailureOf([&] {
+                  H::CheckRestrictionForinteger("i", huge, Bounds("", "", "123456789012345678901234567889"));
+              }),
+              kPassed);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestrictionForinteger("i", huge, Bounds("", "99999999999999999999")); }),
+              "Invalid Value for i [123456789012345678901234567890]");
+
+    // A zone on one side only leaves the order open: every bound passes.
+    CDateTime const zoned = CConversions::dateFromString("2004-05-06Z", collapse);
+    EXPECT_EQ(FailureOf([&] {
+                  H::CheckRestrictionFordate("day", zoned, Bounds("", "", "2004-05-06", "2004-05-06"));
+              }),
+              kPassed);
+    CDateTime const plain = CConversions::dateFromString("2004-05-06", collapse);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestrictionFordate("day", plain, Bounds("", "", "2004-05-06")); }),
+              "Invalid Value for day [" + plain.ToString() + "]");
+    CDateTime const noon = CConversions::timeFromString("12:00:00", collapse);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestrictionFortime("t", noon, Bounds("08:00:00", "17:00:00")); }), kPassed);
+    EXPECT_THROW(H::CheckRestrictionFortime("t", noon, Bounds("", "11:59:59")), CKdException);
+
+    CDateTimeSpan const month = CConversions::durationFromString("P1M", collapse);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestrictionForduration("p", month, Bounds("", "P30D", "P30D")); }), kPassed);
+    CDateTimeSpan const days = CConversions::durationFromString("P2D", collapse);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestrictionForduration("p", days, Bounds("", "P1D")); }),
+              "Invalid Value for p [" + days.ToString() + "]");
+    // Through the variant, by the kind asked for.
+    KdVariant value;
+    value.SetDecimal(price);
+    EXPECT_EQ(FailureOf([&] { H::CheckRestriction("d", value, ItemType_decimal, Bounds("2", "")); }),
+              "Invalid Value for d [" + price.ToString() + "]");
+    value.SetYearMonth(CConversions::yearMonthFromString("2004-05", collapse));
+    EXPECT_THROW(H::CheckRestriction("ym", value, ItemType_yearMonth, Bounds("2005-01", "")), CKdException);
+    EXPECT_THROW(H::CheckRestrictionFormonthYear("ym", value.GetYearMonth(), Bounds("2005-01", "")), CKdException);
+}
+
 TEST(CheckRestriction, LengthsAndPatternOfStringsAndBinaryData)
 {
     // Lengths come first, in bytes.
