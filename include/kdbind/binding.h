@@ -578,6 +578,9 @@ KDBIND_VALUE_COLLECTION_TRAITS(ItemType_base64Binary, CBinaryData, CBinaryData c
 KDBIND_VALUE_COLLECTION_TRAITS(ItemType_year, unsigned short, unsigned short);
 KDBIND_VALUE_COLLECTION_TRAITS(ItemType_month, unsigned char, unsigned char);
 KDBIND_VALUE_COLLECTION_TRAITS(ItemType_day, unsigned char, unsigned char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_decimal, CDecimal, CDecimal const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_integer, CBigInteger, CBigInteger const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_duration, CDateTimeSpan, CDateTimeSpan const&);
 #undef KDBIND_VALUE_COLLECTION_TRAITS
 
 template <ItemType Kind>
@@ -633,7 +636,69 @@ KDBIND_VALUE_COLLECTION(Cbase64BinaryCol, ItemType_base64Binary);
 KDBIND_VALUE_COLLECTION(CyearCol, ItemType_year);
 KDBIND_VALUE_COLLECTION(CmonthCol, ItemType_month);
 KDBIND_VALUE_COLLECTION(CdayCol, ItemType_day);
+KDBIND_VALUE_COLLECTION(CdecimalCol, ItemType_decimal);
+KDBIND_VALUE_COLLECTION(CintegerCol, ItemType_integer);
+KDBIND_VALUE_COLLECTION(CdurationCol, ItemType_duration);
 #undef KDBIND_VALUE_COLLECTION
+
+// The date lists share one base holding CDateTime items. A leaf accepts only
+// dates of its own CDateTime type, and tests that and the facets before the
+// add event and the index; on output every leaf tells the writer
+// ItemType_datetime, whatever its own kind.
+class CdatetimeBaseCol : public CXmlTypeCollection {
+public:
+    CdatetimeBaseCol(ItemType itemType, char const* elementName, char const* ns, int minOccurs, int maxOccurs,
+                     char const* pattern, int minLength, int maxLength, char const* minInclusive,
+                     char const* maxInclusive, char const* minExclusive, char const* maxExclusive, int length,
+                     CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format);
+
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override;
+    void Remove(int index) override;
+    virtual void Add(CDateTime const& value);
+    virtual void AddAt(int index, CDateTime const& value) = 0;
+    virtual CDateTime Item(int index) const;
+    virtual std::string ItemToString(CDateTime const& value) const = 0;
+
+protected:
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+    // What follows a leaf's own tests: the add event, the index test, the
+    // insertion and the completion events.
+    void BaseAddAt(int index, CDateTime const& value);
+
+private:
+    std::vector<CDateTime> m_items;
+};
+
+template <ItemType Kind>
+class CDateCollection : public CdatetimeBaseCol, private CInstanceMonitor {
+public:
+    // The arguments of every value list.
+    CDateCollection(char const* elementName, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
+                    int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
+                    char const* minExclusive, char const* maxExclusive, int length,
+                    CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format);
+
+    void AddFromString(std::string text) override;
+    using CdatetimeBaseCol::Add;
+    // Refuses a date of another CDateTime type with CKdInvalidParamException.
+    void AddAt(int index, CDateTime const& value) override;
+    std::string ItemToString(CDateTime const& value) const override;
+};
+
+#define KDBIND_DATE_COLLECTION(name, kind)                                      \
+    extern template class CDateCollection<kind>;                                \
+    class name : public CDateCollection<kind> {                                 \
+    public:                                                                     \
+        using CDateCollection<kind>::CDateCollection;                           \
+    }
+KDBIND_DATE_COLLECTION(CdatetimeCol, ItemType_datetime);
+KDBIND_DATE_COLLECTION(CdateCol, ItemType_date);
+KDBIND_DATE_COLLECTION(CtimeCol, ItemType_time);
+KDBIND_DATE_COLLECTION(CyearMonthCol, ItemType_yearMonth);
+KDBIND_DATE_COLLECTION(CmonthDayCol, ItemType_monthDay);
+#undef KDBIND_DATE_COLLECTION
 
 // ---------------------------------------------------------------------------
 // The base of generated class factories: the xsi:type of an element, which

@@ -1,5 +1,6 @@
-// The collections of primitive values: one template, and per kind its facet
-// check, its conversions and its class name.
+// The collections of primitive values: one template, the date lists on their
+// shared base, and per kind its facet check, its conversions and its class
+// name. Both families share the steps of adding, removing and writing.
 #include "kdbind/binding.h"
 
 namespace KdBind {
@@ -14,7 +15,7 @@ typedef CConversions C;
 template <auto Check, auto Parse, auto Print, bool Formatted = false>
 struct ValueOps {
     template <class Arg>
-    static void CheckValue(char const* name, Arg value, CPrimitiveRestrictions const& restrictions)
+    static void CheckValue(char const* name, Arg const& value, CPrimitiveRestrictions const& restrictions)
     {
         Check(name, value, restrictions);
     }
@@ -57,7 +58,35 @@ KDBIND_COLLECTION_KIND(ItemType_year, "CyearCol", &H::CheckRestrictionForyear, &
 KDBIND_COLLECTION_KIND(ItemType_month, "CmonthCol", &H::CheckRestrictionFormonth, &C::monthFromString,
                        &C::monthToString);
 KDBIND_COLLECTION_KIND(ItemType_day, "CdayCol", &H::CheckRestrictionForday, &C::dayFromString, &C::dayToString);
+KDBIND_COLLECTION_KIND(ItemType_decimal, "CdecimalCol", &H::CheckRestrictionFordecimal, &C::decimalFromString,
+                       &C::decimalToString, true);
+KDBIND_COLLECTION_KIND(ItemType_integer, "CintegerCol", &H::CheckRestrictionForinteger, &C::integerFromString,
+                       &C::integerToString);
+KDBIND_COLLECTION_KIND(ItemType_duration, "CdurationCol", &H::CheckRestrictionForduration, &C::durationFromString,
+                       &C::durationToString);
 #undef KDBIND_COLLECTION_KIND
+
+// The date leaves add the CDateTime type they accept and the refusal of any
+// other.
+template <ItemType Kind> struct DateKind;
+#define KDBIND_DATE_KIND(kind, className, dateType, ...)                        \
+    template <> struct DateKind<kind> : ValueOps<__VA_ARGS__> {                 \
+        static constexpr char const* kClassName = className;                    \
+        static constexpr CDateTime::DTType kDateType = CDateTime::dateType;     \
+        static constexpr char const* kWrongType =                               \
+            "Dates added to this collection must be of type " #dateType;        \
+    }
+KDBIND_DATE_KIND(ItemType_datetime, "CdatetimeCol", dt_dateTime, &H::CheckRestrictionFordatetime,
+                 &C::datetimeFromString, &C::datetimeToString);
+KDBIND_DATE_KIND(ItemType_date, "CdateCol", dt_date, &H::CheckRestrictionFordate, &C::dateFromString,
+                 &C::dateToString);
+KDBIND_DATE_KIND(ItemType_time, "CtimeCol", dt_time, &H::CheckRestrictionFortime, &C::timeFromString,
+                 &C::timeToString);
+KDBIND_DATE_KIND(ItemType_yearMonth, "CyearMonthCol", dt_gYearMonth, &H::CheckRestrictionForyearMonth,
+                 &C::yearMonthFromString, &C::yearMonthToString);
+KDBIND_DATE_KIND(ItemType_monthDay, "CmonthDayCol", dt_gMonthDay, &H::CheckRestrictionFormonthDay,
+                 &C::monthDayFromString, &C::monthDayToString);
+#undef KDBIND_DATE_KIND
 
 // The listeners receive a pointer to the value being added; they may not
 // change it, but the event carries a plain pointer.
@@ -65,6 +94,56 @@ template <class T>
 void* EventItem(T const& value)
 {
     return const_cast<T*>(&value);
+}
+
+// The index test of Item and Remove; the upper end shown is the count, not
+// the last index.
+void TestItemIndex(int index, int count)
+{
+    if (index > count - 1 || index < 0)
+        throw CKdInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, count));
+}
+
+// Inserts after the add event and the index test; check runs between the
+// two, where a list tests its facets.
+template <class Items, class Value, class Check>
+void InsertItem(CXmlCollectionBase& list, Items& items, int index, Value const& value, Check check)
+{
+    list.FireOnCollectionAdd(EventItem(value));
+    if (index < 0 || index > static_cast<int>(items.size()))
+        throw CKdInvalidParamException("Index out of range");
+    check();
+    items.insert(items.begin() + index, value);
+    list.FireOnCollectionAddComplete(EventItem(value));
+    list.FireOnCollectionChange();
+}
+
+// The removal event comes before the index test; the completed removal
+// reports 0 whatever the index, so listeners learn it from the first event.
+template <class Items>
+void RemoveItem(CXmlCollectionBase& list, Items& items, int index)
+{
+    list.FireOnCollectionRemove(index);
+    TestItemIndex(index, static_cast<int>(items.size()));
+    items.erase(items.begin() + index);
+    list.FireOnCollectionRemoveComplete(0);
+    list.FireOnCollectionChange();
+}
+
+// After its own count check, a list writes one element per item under its
+// own name and namespace.
+template <class Items, class Print>
+void WriteItems(CXmlTypeCollection const& list, Items const& items, CXmlWriter* writer,
+                CXmlSerializationContext const& context, ItemType kind, Print print)
+{
+    list.ValidateCount(context);
+    std::string const& name = list.GetElementName();
+    std::string const ns = list.GetNamespace();
+    for (auto const& item : items) {
+        writer->WriteStartElement(name, ns);
+        writer->WriteString(print(item), kind);
+        writer->WriteEndElement();
+    }
 }
 
 } // namespace
@@ -91,13 +170,7 @@ void CValueCollection<Kind>::Clear()
 template <ItemType Kind>
 void CValueCollection<Kind>::Remove(int index)
 {
-    FireOnCollectionRemove(index);
-    if (index > GetCount() - 1 || index < 0)
-        throw CKdInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, GetCount()));
-    m_items.erase(m_items.begin() + index);
-    // Listeners learn the index from the first event only.
-    FireOnCollectionRemoveComplete(0);
-    FireOnCollectionChange();
+    RemoveItem(*this, m_items, index);
 }
 
 template <ItemType Kind>
@@ -112,26 +185,19 @@ void CValueCollection<Kind>::Add(Arg value)
     AddAt(GetCount(), value);
 }
 
-// The add event comes first: listeners hear of an add that the index or the
-// facets then refuse.
+// Listeners hear of an add that the index or the facets then refuse.
 template <ItemType Kind>
 void CValueCollection<Kind>::AddAt(int index, Arg value)
 {
-    FireOnCollectionAdd(EventItem(value));
-    if (index < 0 || index > GetCount())
-        throw CKdInvalidParamException("Index out of range");
-    CollectionKind<Kind>::CheckValue(GetElementName().c_str(), value, GetRestrictions());
-    m_items.insert(m_items.begin() + index, value);
-    FireOnCollectionAddComplete(EventItem(value));
-    FireOnCollectionChange();
+    InsertItem(*this, m_items, index, value, [&] {
+        CollectionKind<Kind>::CheckValue(GetElementName().c_str(), value, GetRestrictions());
+    });
 }
 
 template <ItemType Kind>
 typename CValueCollection<Kind>::Stored CValueCollection<Kind>::Item(int index) const
 {
-    // The upper end shown is the count, not the last index.
-    if (index > GetCount() - 1 || index < 0)
-        throw CKdInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, GetCount()));
+    TestItemIndex(index, GetCount());
     return m_items[static_cast<std::size_t>(index)];
 }
 
@@ -139,14 +205,8 @@ template <ItemType Kind>
 void CValueCollection<Kind>::ToXml_Int(CXmlWriter* writer, bool, char const*, CXmlSerializationContext const& context,
                                        bool) const
 {
-    ValidateCount(context);
-    std::string const& name = GetElementName();
-    std::string const ns = GetNamespace();
-    for (Stored const& item : m_items) {
-        writer->WriteStartElement(name, ns);
-        writer->WriteString(CollectionKind<Kind>::PrintValue(item, GetFormat()), Kind);
-        writer->WriteEndElement();
-    }
+    WriteItems(*this, m_items, writer, context, Kind,
+               [this](Stored const& item) { return CollectionKind<Kind>::PrintValue(item, GetFormat()); });
 }
 
 template class CValueCollection<ItemType_i1>;
@@ -166,5 +226,90 @@ template class CValueCollection<ItemType_base64Binary>;
 template class CValueCollection<ItemType_year>;
 template class CValueCollection<ItemType_month>;
 template class CValueCollection<ItemType_day>;
+template class CValueCollection<ItemType_decimal>;
+template class CValueCollection<ItemType_integer>;
+template class CValueCollection<ItemType_duration>;
+
+// ---------------------------------------------------------------------------
+// The date lists.
+// ---------------------------------------------------------------------------
+
+CdatetimeBaseCol::CdatetimeBaseCol(ItemType itemType, char const* elementName, char const* ns, int minOccurs,
+                                   int maxOccurs, char const* pattern, int minLength, int maxLength,
+                                   char const* minInclusive, char const* maxInclusive, char const* minExclusive,
+                                   char const* maxExclusive, int length,
+                                   CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format)
+    : CXmlTypeCollection(itemType, elementName, ns, minOccurs, maxOccurs, pattern, minLength, maxLength,
+                         minInclusive, maxInclusive, minExclusive, maxExclusive, length, whitespaceRule, format)
+{
+}
+
+void CdatetimeBaseCol::Clear()
+{
+    while (GetCount() != 0)
+        Remove(0);
+}
+
+void CdatetimeBaseCol::Remove(int index) { RemoveItem(*this, m_items, index); }
+
+void CdatetimeBaseCol::Add(CDateTime const& value) { AddAt(GetCount(), value); }
+
+CDateTime CdatetimeBaseCol::Item(int index) const
+{
+    TestItemIndex(index, GetCount());
+    return m_items[static_cast<std::size_t>(index)];
+}
+
+void CdatetimeBaseCol::BaseAddAt(int index, CDateTime const& value)
+{
+    InsertItem(*this, m_items, index, value, [] {});
+}
+
+void CdatetimeBaseCol::ToXml_Int(CXmlWriter* writer, bool, char const*, CXmlSerializationContext const& context,
+                                 bool) const
+{
+    WriteItems(*this, m_items, writer, context, ItemType_datetime,
+               [this](CDateTime const& item) { return ItemToString(item); });
+}
+
+template <ItemType Kind>
+CDateCollection<Kind>::CDateCollection(char const* elementName, char const* ns, int minOccurs, int maxOccurs,
+                                       char const* pattern, int minLength, int maxLength, char const* minInclusive,
+                                       char const* maxInclusive, char const* minExclusive,
+                                       char const* maxExclusive, int length,
+                                       CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format)
+    : CdatetimeBaseCol(Kind, elementName, ns, minOccurs, maxOccurs, pattern, minLength, maxLength, minInclusive,
+                       maxInclusive, minExclusive, maxExclusive, length, whitespaceRule, format),
+      CInstanceMonitor(DateKind<Kind>::kClassName)
+{
+}
+
+template <ItemType Kind>
+void CDateCollection<Kind>::AddFromString(std::string text)
+{
+    Add(DateKind<Kind>::ParseText(text, GetWhitespaceRule()));
+}
+
+// Type and facets are tested before any event, unlike the other lists.
+template <ItemType Kind>
+void CDateCollection<Kind>::AddAt(int index, CDateTime const& value)
+{
+    if (value.GetType() != DateKind<Kind>::kDateType)
+        throw CKdInvalidParamException(DateKind<Kind>::kWrongType);
+    DateKind<Kind>::CheckValue(GetElementName().c_str(), value, GetRestrictions());
+    BaseAddAt(index, value);
+}
+
+template <ItemType Kind>
+std::string CDateCollection<Kind>::ItemToString(CDateTime const& value) const
+{
+    return DateKind<Kind>::PrintValue(value, GetFormat());
+}
+
+template class CDateCollection<ItemType_datetime>;
+template class CDateCollection<ItemType_date>;
+template class CDateCollection<ItemType_time>;
+template class CDateCollection<ItemType_yearMonth>;
+template class CDateCollection<ItemType_monthDay>;
 
 } // namespace KdBind

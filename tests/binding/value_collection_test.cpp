@@ -216,3 +216,53 @@ TEST(ValueCollectionTest, ListsTravelThroughTheMetadata)
     read.Numbers().Clear();
     EXPECT_NE(Failure([&] { Written(read); }).find("The Minimum number of [n] elements"), std::string::npos);
 }
+
+TEST(ValueCollectionTest, DateListsTestTypeAndFacetsBeforeAnyEvent)
+{
+    CSmartPtr<CdateCol> dates = new CdateCol("d", "", 0, -1, nullptr, -1, -1, "2000-01-01", nullptr, nullptr,
+                                             nullptr, -1, kCollapse, nullptr);
+    Log log;
+    struct CCounter : IEventSink {
+        explicit CCounter(Log& log) : log(log) {}
+        void OnEvent(CXmlObjectBase*, MsgType type, void*) override { log.push_back(std::to_string(type)); }
+        Log& log;
+    } listener(log);
+    dates->AddEventListener(&listener);
+    dates->AddFromString(" 2004-05-06 ");
+    EXPECT_EQ(log, (Log{"1", "2", "0"}));
+    log.clear();
+    CDateTime const moment = CConversions::datetimeFromString("2004-05-06T10:00:00", kCollapse);
+    EXPECT_EQ(Failure([&] { dates->Add(moment); }), "Dates added to this collection must be of type dt_date");
+    EXPECT_EQ(Failure([&] { dates->AddFromString("1999-12-31"); }),
+              "Invalid Value for d [" + CConversions::dateFromString("1999-12-31", kCollapse).ToString() + "]");
+    EXPECT_TRUE(log.empty());
+    // A bad index is found after the add event.
+    EXPECT_EQ(Failure([&] { dates->AddAt(2, CConversions::dateFromString("2001-01-01", kCollapse)); }),
+              "Index out of range");
+    EXPECT_EQ(log, Log{"1"});
+    EXPECT_EQ(Failure([&] { dates->Item(1); }), "Index 1 is out of range, use 0 - 1");
+    EXPECT_EQ(Output(dates), "<e><d>2004-05-06</d></e>");
+
+    CSmartPtr<CtimeCol> times = new CtimeCol("t", "", 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
+                                             kCollapse, nullptr);
+    times->AddFromString("10:30:00");
+    EXPECT_EQ(times->Item(0).GetType(), CDateTime::dt_time);
+    EXPECT_EQ(Failure([&] { times->Add(moment); }), "Dates added to this collection must be of type dt_time");
+}
+
+TEST(ValueCollectionTest, ExactNumbersAndDurationsAreListsLikeTheOthers)
+{
+    CSmartPtr<CdecimalCol> prices = new CdecimalCol("p", "", 0, -1, nullptr, -1, -1, "0", nullptr, nullptr, nullptr,
+                                                    -1, kCollapse, nullptr);
+    prices->AddFromString("19.99");
+    EXPECT_THROW(prices->AddFromString("-0.01"), CKdException);
+    CSmartPtr<CintegerCol> counts = new CintegerCol("c", "", 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr,
+                                                    nullptr, -1, kCollapse, nullptr);
+    counts->AddFromString("123456789012345678901234567890");
+    CSmartPtr<CdurationCol> spans = new CdurationCol("s", "", 0, -1, nullptr, -1, -1, nullptr, "P7D", nullptr,
+                                                     nullptr, -1, kCollapse, nullptr);
+    spans->AddFromString("P1D");
+    EXPECT_THROW(spans->AddFromString("P8D"), CKdException);
+    EXPECT_EQ(Output(prices) + Output(counts) + Output(spans),
+              "<e><p>19.99</p></e><e><c>123456789012345678901234567890</c></e><e><s>P1D</s></e>");
+}
