@@ -240,12 +240,11 @@ void CheckBinaryLength(char const* name, CBinaryData const& value, CPrimitiveRes
         throw CKdException(FormatString("Invalid Value for %s [%s]", name, value.GetAsHexString().c_str()));
 }
 
+// Word-wide: values can be long.
 bool IsAscii(std::string const& text)
 {
-    for (char c : text)
-        if (static_cast<unsigned char>(c) >= 0x80)
-            return false;
-    return true;
+    return !DoesUTF8StrContainAnyCharsLargerThanOneByte(
+        reinterpret_cast<unsigned char*>(const_cast<char*>(text.data())), text.size());
 }
 
 // The compiled pattern of a record. Kept only for an ASCII pattern, whose

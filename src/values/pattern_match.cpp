@@ -79,12 +79,11 @@ pcre2_match_data* ThreadMatchData()
     return match.data;
 }
 
+// Word-wide: values can be long.
 bool IsAscii(std::string const& text)
 {
-    for (char c : text)
-        if (static_cast<unsigned char>(c) >= 0x80)
-            return false;
-    return true;
+    return !DoesUTF8StrContainAnyCharsLargerThanOneByte(
+        reinterpret_cast<unsigned char*>(const_cast<char*>(text.data())), text.size());
 }
 
 // The process-wide cache of compiled patterns. Patterns come from metadata
