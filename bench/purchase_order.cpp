@@ -27,7 +27,7 @@ CSmartPtr<CPurchaseOrder> MakeOrder(int lineItems)
         item->SetPartNum(std::to_string(100 + i % 900) + "-AA");  // the SKU pattern: three digits
         item->SetProductName("Garden hose, 25 m, reinforced");
         item->SetQuantity(static_cast<unsigned short>(1 + i % 9));
-        item->SetUSPrice(19.99 + i % 100);
+        item->SetUSPrice(CDecimal((std::to_string(19 + i % 100) + ".99").c_str()));
         if (i % 3 == 0) {
             CSmartPtr<CGadgetDetails> details = new CGadgetDetails();
             details->SetVoltage(230);
@@ -37,7 +37,7 @@ CSmartPtr<CPurchaseOrder> MakeOrder(int lineItems)
             item->SetComment("Leave at the back door & ring twice");
         order->GetLineItems().Add(item);
     }
-    order->GetTotals().SetSubtotal(1234.5);
+    order->GetTotals().SetSubtotal(CDecimal("1234.5"));
     order->GetTotals().SetItemCount(static_cast<unsigned short>(lineItems));
     return order;
 }

@@ -11,6 +11,9 @@ using namespace PurchaseOrderSchema;
 
 namespace {
 
+// Money is xs:decimal: a price that no double holds.
+char const kGnomePrice[] = "12345678901234567890.000000000000000001";
+
 CSmartPtr<CPurchaseOrder> BuildOrder()
 {
     CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
@@ -43,7 +46,7 @@ CSmartPtr<CPurchaseOrder> BuildOrder()
     mower->SetPartNum("872-AA");
     mower->SetProductName("Lawnmower");
     mower->SetQuantity(1);
-    mower->SetUSPrice(139.95);
+    mower->SetUSPrice(CDecimal("139.95"));
     CSmartPtr<CGadgetDetails> engine = new CGadgetDetails();
     engine->SetVoltage(230);
     mower->SetDetails(engine);
@@ -54,16 +57,23 @@ CSmartPtr<CPurchaseOrder> BuildOrder()
     manual->SetPartNum("926-AA");
     manual->SetProductName("Lawn care, the manual");
     manual->SetQuantity(1);
-    manual->SetUSPrice(9.0);
+    manual->SetUSPrice(CDecimal(9));
     CSmartPtr<CBookDetails> book = new CBookDetails();
     book->SetAuthor("G. Rass");
     book->SetIsbn("978-0-00-000000-2");
     manual->SetDetails(book);
     order->GetLineItems().Add(manual);
 
-    order->GetTotals().SetSubtotal(148.95);
-    order->GetTotals().SetShipping(9.5);
-    order->GetTotals().SetItemCount(2);
+    CSmartPtr<CLineItem> gnome = new CLineItem();
+    gnome->SetPartNum("455-BX");
+    gnome->SetProductName("Gold-plated garden gnome");
+    gnome->SetQuantity(1);
+    gnome->SetUSPrice(CDecimal(kGnomePrice));
+    order->GetLineItems().Add(gnome);
+
+    order->GetTotals().SetSubtotal(mower->GetUSPrice() + manual->GetUSPrice() + gnome->GetUSPrice());
+    order->GetTotals().SetShipping(CDecimal("9.5"));
+    order->GetTotals().SetItemCount(3);
     return order;
 }
 
@@ -107,14 +117,20 @@ int main()
         std::cout << "2. Read back with FromXml and written again: the round trip is "
                   << (exact ? "exact" : "NOT exact") << ".\n"
                   << "   Ship to " << copy->GetShipTo().GetName() << ", " << copy->GetShipTo().GetCity()
-                  << "; subtotal " << copy->GetTotals().GetSubtotal() << "; priority "
+                  << "; subtotal " << copy->GetTotals().GetSubtotal().ToString() << "; priority "
                   << PriorityToString(*copy->GetPriority()) << ";\n   " << copy->GetLineItems().GetCount()
                   << " line items, the second a book by "
                   << dynamic_cast<CBookDetails&>(*copy->GetLineItems().GetAt(1)->GetDetails()).GetAuthor()
                   << " (its class chosen from xsi:type);\n   tags \"" << copy->GetTags().Item(0) << "\" and \""
                   << copy->GetTags().Item(1) << "\", parcels of " << copy->GetParcelWeights().Item(0) << " g and "
-                  << copy->GetParcelWeights().Item(1) << " g.\n\n";
-        if (!exact) {
+                  << copy->GetParcelWeights().Item(1) << " g.\n";
+        CDecimal const gnomePrice = copy->GetLineItems().GetAt(2)->GetUSPrice();
+        bool const priceExact = gnomePrice == CDecimal(kGnomePrice);
+        double const asDouble = CConversions::r8FromString(kGnomePrice, CWhitespaceUtils::WhitespaceRule_Collapse);
+        std::cout << "   Prices are xs:decimal: the gnome's " << kGnomePrice << " came back as\n   "
+                  << gnomePrice.ToString() << (priceExact ? " (exact)" : " (NOT exact)")
+                  << "; a double would have kept " << CConversions::r8ToString(asDouble) << ".\n\n";
+        if (!exact || !priceExact) {
             std::cout << rewritten << "\n";
             status = 1;
         }

@@ -63,9 +63,9 @@ void CLineItem::AccessProperty(int propertyId, bool readAccess, KdVariant& value
         break;
     case Property_USPrice:
         if (readAccess)
-            value.SetR8(m_usPrice);
+            value.SetDecimal(m_usPrice);
         else
-            m_usPrice = value.GetR8();
+            m_usPrice = value.GetDecimal();
         break;
     case Property_Details:
         if (!readAccess)
@@ -102,8 +102,8 @@ CElementInfo** CLineItem::GetClassElementInfo() const
                                        preserve, none),
             new CElementInfoSeqPrimMnd("quantity", NAMESPACE, Property_Quantity, KdBind::ItemType_ui2, nullptr,
                                        collapse, belowHundred),
-            new CElementInfoSeqPrimMnd("USPrice", NAMESPACE, Property_USPrice, KdBind::ItemType_r8, nullptr, collapse,
-                                       none),
+            new CElementInfoSeqPrimMnd("USPrice", NAMESPACE, Property_USPrice, KdBind::ItemType_decimal, nullptr,
+                                       collapse, none),
             new CElementInfoSeqAbsClsOpt("details", NAMESPACE, Property_Details, XmlElementType_Element,
                                          &CProductDetailsFactory::CreateObject),
             new CElementInfoSeqPrimOpt("comment", NAMESPACE, Property_Comment, KdBind::ItemType_string, nullptr,

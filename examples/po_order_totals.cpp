@@ -27,15 +27,15 @@ void COrderTotals::AccessProperty(int propertyId, bool readAccess, KdVariant& va
     switch (propertyId) {
     case Property_Subtotal:
         if (readAccess)
-            value.SetR8(m_subtotal);
+            value.SetDecimal(m_subtotal);
         else
-            m_subtotal = value.GetR8();
+            m_subtotal = value.GetDecimal();
         break;
     case Property_Shipping:
         if (!readAccess)
-            m_shipping = value.GetR8();
+            m_shipping = value.GetDecimal();
         else if (m_shipping)
-            value.SetR8(*m_shipping);
+            value.SetDecimal(*m_shipping);
         break;
     case Property_ItemCount:
         if (readAccess)
@@ -60,10 +60,10 @@ CElementInfo** COrderTotals::GetClassElementInfo() const
         CPrimitiveRestrictions const none;
         auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
         return new CElementInfo*[4]{
-            new CElementInfoSeqPrimMnd("subtotal", NAMESPACE, Property_Subtotal, KdBind::ItemType_r8, nullptr, collapse,
-                                       none),
-            new CElementInfoSeqPrimOpt("shipping", NAMESPACE, Property_Shipping, KdBind::ItemType_r8, nullptr, collapse,
-                                       none),
+            new CElementInfoSeqPrimMnd("subtotal", NAMESPACE, Property_Subtotal, KdBind::ItemType_decimal, nullptr,
+                                       collapse, none),
+            new CElementInfoSeqPrimOpt("shipping", NAMESPACE, Property_Shipping, KdBind::ItemType_decimal, nullptr,
+                                       collapse, none),
             new CElementInfoSeqPrimMnd("itemCount", NAMESPACE, Property_ItemCount, KdBind::ItemType_ui2, nullptr,
                                        collapse, none),
             nullptr};

@@ -35,7 +35,7 @@
 //           <xs:simpleType><xs:restriction base="xs:unsignedShort">
 //             <xs:maxExclusive value="100"/></xs:restriction></xs:simpleType>
 //         </xs:element>
-//         <xs:element name="USPrice" type="xs:double"/>
+//         <xs:element name="USPrice" type="xs:decimal"/>
 //         <xs:element name="details" type="ProductDetails" minOccurs="0"/>
 //         <xs:element name="comment" type="xs:string" minOccurs="0"/>
 //       </xs:sequence>
@@ -55,8 +55,8 @@
 //     </xs:complexType>
 //     <xs:group name="OrderTotals">
 //       <xs:sequence>
-//         <xs:element name="subtotal" type="xs:double"/>
-//         <xs:element name="shipping" type="xs:double" minOccurs="0"/>
+//         <xs:element name="subtotal" type="xs:decimal"/>
+//         <xs:element name="shipping" type="xs:decimal" minOccurs="0"/>
 //         <xs:element name="itemCount" type="xs:unsignedShort"/>
 //       </xs:sequence>
 //     </xs:group>
@@ -216,10 +216,10 @@ class COrderTotals : public CSchemaClass {
 public:
     COrderTotals();
 
-    double GetSubtotal() const { return m_subtotal; }
-    void SetSubtotal(double value) { m_subtotal = value; }
-    std::optional<double> const& GetShipping() const { return m_shipping; }
-    void SetShipping(std::optional<double> value) { m_shipping = value; }
+    KdBind::CDecimal const& GetSubtotal() const { return m_subtotal; }
+    void SetSubtotal(KdBind::CDecimal const& value) { m_subtotal = value; }
+    std::optional<KdBind::CDecimal> const& GetShipping() const { return m_shipping; }
+    void SetShipping(std::optional<KdBind::CDecimal> value) { m_shipping = std::move(value); }
     unsigned short GetItemCount() const { return m_itemCount; }
     void SetItemCount(unsigned short value) { m_itemCount = value; }
 
@@ -234,8 +234,8 @@ public:
 private:
     enum Property { Property_Subtotal, Property_Shipping, Property_ItemCount };
 
-    double m_subtotal;
-    std::optional<double> m_shipping;
+    KdBind::CDecimal m_subtotal;
+    std::optional<KdBind::CDecimal> m_shipping;
     unsigned short m_itemCount;
 };
 
@@ -308,8 +308,8 @@ public:
     void SetProductName(std::string const& value) { m_productName = value; }
     unsigned short GetQuantity() const { return m_quantity; }
     void SetQuantity(unsigned short value) { m_quantity = value; }
-    double GetUSPrice() const { return m_usPrice; }
-    void SetUSPrice(double value) { m_usPrice = value; }
+    KdBind::CDecimal const& GetUSPrice() const { return m_usPrice; }
+    void SetUSPrice(KdBind::CDecimal const& value) { m_usPrice = value; }
     CProductDetails* GetDetails() const { return m_details; }
     void SetDetails(CProductDetails* value);
     std::optional<std::string> const& GetComment() const { return m_comment; }
@@ -336,7 +336,7 @@ private:
     std::string m_partNum;
     std::string m_productName;
     unsigned short m_quantity;
-    double m_usPrice;
+    KdBind::CDecimal m_usPrice;
     CSmartPtr<CProductDetails> m_details;
     std::optional<std::string> m_comment;
 };

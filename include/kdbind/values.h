@@ -84,8 +84,6 @@ public:
     // A null format prints every fractional digit; any other is read as a
     // number of places for CDecimal::ToString(int).
     static std::string decimalToString(CDecimal const& value, char const* format = nullptr);
-    // The wider value classes add their printers here as they join:
-    // integer, decimal.
     static std::string durationToString(CDateTimeSpan const& value);
     // The date kinds print the XML form of the value's own type.
     static std::string yearMonthToString(CDateTime const& value);
@@ -117,8 +115,6 @@ public:
     static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
     static CBigInteger integerFromString(std::string const& text, WhitespaceRule rule);
     static CDecimal decimalFromString(std::string const& text, WhitespaceRule rule);
-    // The wider value classes add their parsers here as they join:
-    // integer, decimal.
     static CDateTimeSpan durationFromString(std::string const& text, WhitespaceRule rule);
     static CDateTime datetimeFromString(std::string const& text, WhitespaceRule rule);
     // date, yearMonth and monthDay read every date-only form, so the type of

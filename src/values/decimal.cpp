@@ -256,13 +256,16 @@ void CDecimal::ChangeFractionalDivider(int digitCount)
         m_integer.m_sign = m_fraction.m_sign;
 }
 
+// A count below zero, which only the constructor from parts can give, is
+// raised to zero with the other.
 int CDecimal::Normalize(CDecimal& a, CDecimal& b)
 {
-    if (a.m_digitCount < b.m_digitCount)
-        a.ChangeFractionalDivider(b.m_digitCount);
-    else if (b.m_digitCount < a.m_digitCount)
-        b.ChangeFractionalDivider(a.m_digitCount);
-    return a.m_digitCount;
+    int const count = std::max({a.m_digitCount, b.m_digitCount, 0});
+    if (a.m_digitCount < count)
+        a.ChangeFractionalDivider(count);
+    if (b.m_digitCount < count)
+        b.ChangeFractionalDivider(count);
+    return count;
 }
 
 // Each step is fraction /= 10: a zero fraction becomes a plain zero (sign +1)

@@ -34,7 +34,7 @@ TEST(OutputWalkTest, OnlyTheRootCarriesTheContextsItemsAndContentFollowsTheTable
     context.SetInLineSchema("<s/>");
     CSmartPtr<CPurchaseOrder> order = NewOrder();
     order->SetPriority(Priority_urgent);
-    order->GetTotals().SetShipping(2.5);
+    order->GetTotals().SetShipping(CDecimal("2.5"));
     EXPECT_EQ(order->ToXml(true, false, EOLType_CRLF, context),
               "<?xml version=\"1.0\"?>\r\n<?first?>\r\n\r\n<?second?>\r\n\r\n"
               "<po:purchaseOrder xmlns=\"urn:d\" xmlns:po=\"urn:kdbind:example:po\" xmlns:z=\"urn:z\" "

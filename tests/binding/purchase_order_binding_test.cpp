@@ -52,7 +52,7 @@ TEST_F(PurchaseOrderBindingTest, RoundTripIsExactAndSubstitutionKeepsTheClass)
     ASSERT_EQ(order->GetLineItems().GetCount(), 1);
     CLineItem const& item = *order->GetLineItems().GetAt(0);
     EXPECT_EQ(item.GetQuantity(), 2);
-    EXPECT_EQ(item.GetUSPrice(), 3.5);
+    EXPECT_EQ(item.GetUSPrice().ToString(), "3.5");
     auto const* book = dynamic_cast<CBookDetails const*>(item.GetDetails());
     ASSERT_NE(book, nullptr);
     EXPECT_EQ(book->GetAuthor(), "Au");
