@@ -15,7 +15,7 @@ namespace {
 CSmartPtr<CPurchaseOrder> MakeOrder(int lineItems)
 {
     CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
-    order->SetOrderDate("2026-11-21");
+    order->SetOrderDate(CDateTime(2026, 11, 21));
     CUSAddress& shipTo = order->GetShipTo();
     shipTo.SetName("Alice Smith");
     shipTo.SetStreet("123 Maple Street");

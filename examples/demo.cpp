@@ -17,8 +17,10 @@ char const kGnomePrice[] = "12345678901234567890.000000000000000001";
 CSmartPtr<CPurchaseOrder> BuildOrder()
 {
     CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
-    order->SetOrderDate("2026-11-21");
+    order->SetOrderDate(CDateTime(2026, 11, 21));
     order->SetStatus(OrderStatus_shipped);
+    // The time the order was placed, to the nanosecond and in the shop's own zone.
+    order->SetTimestamp(CDateTime("2026-11-21T09:30:15.123456789+01:00"));
 
     CUSAddress& shipTo = order->GetShipTo();
     shipTo.SetName("Alice Smith");
@@ -123,7 +125,11 @@ int main()
                   << dynamic_cast<CBookDetails&>(*copy->GetLineItems().GetAt(1)->GetDetails()).GetAuthor()
                   << " (its class chosen from xsi:type);\n   tags \"" << copy->GetTags().Item(0) << "\" and \""
                   << copy->GetTags().Item(1) << "\", parcels of " << copy->GetParcelWeights().Item(0) << " g and "
-                  << copy->GetParcelWeights().Item(1) << " g.\n";
+                  << copy->GetParcelWeights().Item(1) << " g.\n"
+                  << "   Ordered on " << copy->GetOrderDate().ToString() << " (day " << copy->GetOrderDate().GetDayOfYear()
+                  << " of the year), stamped " << copy->GetTimestamp()->ToString()
+                  << ":\n   all nine digits of its fraction and its zone survive; in UTC that is "
+                  << copy->GetTimestamp()->GetNormalized().ToString() << ".\n";
         CDecimal const gnomePrice = copy->GetLineItems().GetAt(2)->GetUSPrice();
         bool const priceExact = gnomePrice == CDecimal(kGnomePrice);
         double const asDouble = CConversions::r8FromString(kGnomePrice, CWhitespaceUtils::WhitespaceRule_Collapse);

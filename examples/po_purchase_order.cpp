@@ -23,6 +23,7 @@ void CPurchaseOrder::Init()
     m_billTo = nullptr;
     m_comment.reset();
     m_priority.reset();
+    m_timestamp.reset();
     auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
     m_tags = new KdBind::CstringCol("tag", NAMESPACE, 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
                                     CWhitespaceUtils::WhitespaceRule_Preserve, nullptr);
@@ -30,7 +31,7 @@ void CPurchaseOrder::Init()
                                          nullptr, -1, collapse, nullptr);
     m_lineItems = new CLineItemCol();
     m_totals = new COrderTotals();
-    m_orderDate.clear();
+    m_orderDate.Clear();
     m_status = OrderStatus_open;
 }
 
@@ -75,6 +76,12 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
         else if (m_priority)
             value.SetI4(*m_priority);
         break;
+    case Property_Timestamp:
+        if (!readAccess)
+            m_timestamp = value.GetDateTime();
+        else if (m_timestamp)
+            value.SetDateTime(*m_timestamp);
+        break;
     case Property_Tags:
         if (readAccess)
             value.SetXmlCollection(m_tags);
@@ -95,9 +102,9 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
         break;
     case Property_OrderDate:
         if (readAccess)
-            value.SetString(m_orderDate);
+            value.SetDate(m_orderDate);
         else
-            m_orderDate = value.GetString();
+            m_orderDate = value.GetDate();
         break;
     case Property_Status:
         if (!readAccess)
@@ -120,7 +127,7 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
 {
     return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
-        return new CElementInfo*[9]{
+        return new CElementInfo*[10]{
             new CElementInfoSeqClsMnd("shipTo", NAMESPACE, Property_ShipTo, XmlElementType_Element, &CreateObject,
                                       ClassId_USAddress, false),
             new CElementInfoSeqClsOpt("billTo", NAMESPACE, Property_BillTo, XmlElementType_Element, &CreateObject,
@@ -129,6 +136,8 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
                                        CWhitespaceUtils::WhitespaceRule_Preserve, none),
             new CElementInfoSeqEnumOpt("priority", NAMESPACE, Property_Priority, &PriorityToString,
                                        &PriorityFromString),
+            new CElementInfoSeqPrimOpt("timestamp", NAMESPACE, Property_Timestamp, KdBind::ItemType_datetime,
+                                       nullptr, CWhitespaceUtils::WhitespaceRule_Collapse, none),
             new CElementInfoSeqPrimCol("tag", NAMESPACE, Property_Tags),
             new CElementInfoSeqPrimCol("parcelWeight", NAMESPACE, Property_ParcelWeights),
             new CElementInfoSeqClsCol("lineItem", NAMESPACE, Property_LineItems, XmlElementType_Element),
@@ -142,7 +151,7 @@ CAttributeInfo** CPurchaseOrder::GetClassAttributeInfo() const
 {
     return m_tables.attributeInfo.Get([] {
         return new CAttributeInfo*[3]{
-            new CAttributeInfoPrimitive("orderDate", "", Property_OrderDate, false, KdBind::ItemType_string, nullptr,
+            new CAttributeInfoPrimitive("orderDate", "", Property_OrderDate, false, KdBind::ItemType_date, nullptr,
                                         CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
             new CAttributeInfoEnum("status", "", Property_Status, true, &OrderStatusToString, &OrderStatusFromString,
                                    "open"),

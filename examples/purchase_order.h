@@ -10,12 +10,13 @@
 //         <xs:element name="billTo" type="USAddress" minOccurs="0"/>
 //         <xs:element name="comment" type="xs:string" minOccurs="0"/>
 //         <xs:element name="priority" type="Priority" minOccurs="0"/>
+//         <xs:element name="timestamp" type="xs:dateTime" minOccurs="0"/>
 //         <xs:element name="tag" type="xs:string" minOccurs="0" maxOccurs="unbounded"/>
 //         <xs:element name="parcelWeight" type="Grams" minOccurs="0" maxOccurs="unbounded"/>
 //         <xs:element name="lineItem" type="LineItem" maxOccurs="unbounded"/>
 //         <xs:group ref="OrderTotals"/>
 //       </xs:sequence>
-//       <xs:attribute name="orderDate" type="xs:string" use="required"/>
+//       <xs:attribute name="orderDate" type="xs:date" use="required"/>
 //       <xs:attribute name="status" type="OrderStatus" default="open"/>
 //     </xs:complexType>
 //     <xs:complexType name="USAddress">
@@ -372,12 +373,14 @@ public:
     void SetComment(std::optional<std::string> value) { m_comment = std::move(value); }
     std::optional<Priority> const& GetPriority() const { return m_priority; }
     void SetPriority(std::optional<Priority> value) { m_priority = value; }
+    std::optional<KdBind::CDateTime> const& GetTimestamp() const { return m_timestamp; }
+    void SetTimestamp(std::optional<KdBind::CDateTime> value) { m_timestamp = std::move(value); }
     KdBind::CstringCol& GetTags() const { return *m_tags; }
     KdBind::Ci4Col& GetParcelWeights() const { return *m_parcelWeights; }
     CLineItemCol& GetLineItems() const { return *m_lineItems; }
     COrderTotals& GetTotals() const { return *m_totals; }
-    std::string const& GetOrderDate() const { return m_orderDate; }
-    void SetOrderDate(std::string const& value) { m_orderDate = value; }
+    KdBind::CDateTime const& GetOrderDate() const { return m_orderDate; }
+    void SetOrderDate(KdBind::CDateTime const& value) { m_orderDate = value; }
     std::optional<OrderStatus> const& GetStatus() const { return m_status; }
     void SetStatus(std::optional<OrderStatus> value) { m_status = value; }
 
@@ -395,6 +398,7 @@ private:
         Property_BillTo,
         Property_Comment,
         Property_Priority,
+        Property_Timestamp,
         Property_Tags,
         Property_ParcelWeights,
         Property_LineItems,
@@ -407,11 +411,12 @@ private:
     CSmartPtr<CUSAddress> m_billTo;
     std::optional<std::string> m_comment;
     std::optional<Priority> m_priority;
+    std::optional<KdBind::CDateTime> m_timestamp;  // a dateTime
     CSmartPtr<KdBind::CstringCol> m_tags;
     CSmartPtr<KdBind::Ci4Col> m_parcelWeights;
     CSmartPtr<CLineItemCol> m_lineItems;
     CSmartPtr<COrderTotals> m_totals;
-    std::string m_orderDate;
+    KdBind::CDateTime m_orderDate;  // a date
     std::optional<OrderStatus> m_status;
 };
 

@@ -482,9 +482,9 @@ public:
     CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
               unsigned char second, unsigned short milli, unsigned short micro, unsigned short nano);
     // Seconds of the epoch, as UTC.
-    CDateTime(long const& seconds);
+    explicit CDateTime(long const& seconds);
     // Parses a dateTime and lets the failure through.
-    CDateTime(char const* text);
+    explicit CDateTime(char const* text);
     CDateTime(CDateTime const&) = default;
     CDateTime& operator=(CDateTime const&) = default;
     virtual ~CDateTime();

@@ -4,7 +4,7 @@
 // date_time_order.cpp.
 #include <ctime>
 
-#include "kdbind/values.h"
+#include "values/date_time_fields.h"
 
 namespace KdBind {
 
@@ -13,29 +13,12 @@ int const g_monthDayInYear[13] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 3
 
 bool IsLeapYear(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
 
-namespace {
+using namespace DateTimeFields;
 
-// Which fields each type holds, indexed by DTType.
-enum Field { Year = 1, Month = 2, Day = 4, Time = 8, Ordinal = 16 };
-unsigned char const kFields[9] = {
-    0,                                    // yearZero
-    Year | Month | Day | Time | Ordinal,  // dateTime
-    Year | Month | Day | Ordinal,         // date
-    Year | Month,                         // gYearMonth
-    Year,                                 // gYear
-    Time,                                 // time
-    Day,                                  // gDay
-    Month,                                // gMonth
-    Month | Day,                          // gMonthDay
-};
+namespace {
 
 char const* const kTypeNames[9] = {"yearZero", "dateTime",  "date",   "gYearMonth", "gYear",
                                    "time",     "gDay",      "gMonth", "gMonthDay"};
-
-bool Holds(CDateTime::DTType type, Field field)
-{
-    return static_cast<unsigned>(type) < 9 && (kFields[type] & field) != 0;
-}
 
 char const* NameOf(CDateTime::DTType type) { return static_cast<unsigned>(type) < 9 ? kTypeNames[type] : ""; }
 

@@ -3,9 +3,8 @@
 // duration.
 #include <climits>
 #include <cmath>
-#include <initializer_list>
 
-#include "kdbind/values.h"
+#include "values/date_time_fields.h"
 
 namespace KdBind {
 
@@ -41,28 +40,12 @@ long long Advance(long long base, unsigned long long count, int sign)
     return static_cast<long long>(static_cast<unsigned long long>(base) + step);
 }
 
-bool HoldsType(CDateTime const& value, std::initializer_list<CDateTime::DTType> types)
-{
-    for (CDateTime::DTType type : types)
-        if (value.GetType() == type)
-            return true;
-    return false;
-}
+using DateTimeFields::Holds;
 
-bool HoldsYear(CDateTime const& v)
-{
-    return HoldsType(v, {CDateTime::dt_dateTime, CDateTime::dt_date, CDateTime::dt_gYearMonth, CDateTime::dt_gYear});
-}
-bool HoldsMonth(CDateTime const& v)
-{
-    return HoldsType(v, {CDateTime::dt_dateTime, CDateTime::dt_date, CDateTime::dt_gYearMonth, CDateTime::dt_gMonth,
-                         CDateTime::dt_gMonthDay});
-}
-bool HoldsDay(CDateTime const& v)
-{
-    return HoldsType(v, {CDateTime::dt_dateTime, CDateTime::dt_date, CDateTime::dt_gDay, CDateTime::dt_gMonthDay});
-}
-bool HoldsTime(CDateTime const& v) { return HoldsType(v, {CDateTime::dt_dateTime, CDateTime::dt_time}); }
+bool HoldsYear(CDateTime const& v) { return Holds(v.GetType(), DateTimeFields::Year); }
+bool HoldsMonth(CDateTime const& v) { return Holds(v.GetType(), DateTimeFields::Month); }
+bool HoldsDay(CDateTime const& v) { return Holds(v.GetType(), DateTimeFields::Day); }
+bool HoldsTime(CDateTime const& v) { return Holds(v.GetType(), DateTimeFields::Time); }
 
 // 3 when exactly one side is negative, else 1, 2 or 0 by the two numbers.
 template <class Number>

@@ -85,7 +85,7 @@ inline std::string const kLineItem =
     "<lineItem partNum='1'><productName>P</productName><quantity>1</quantity><USPrice>1</USPrice></lineItem>";
 inline std::string const kTotals = "<subtotal>1</subtotal><itemCount>1</itemCount>";
 inline std::string OrderXml(std::string const& children = kShipTo + kLineItem + kTotals,
-                            std::string const& attributes = "orderDate='d'")
+                            std::string const& attributes = "orderDate='2004-01-02'")
 {
     return "<purchaseOrder xmlns='urn:kdbind:example:po' " + attributes + ">" + children + "</purchaseOrder>";
 }

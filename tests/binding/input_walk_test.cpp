@@ -19,7 +19,7 @@ TEST(InputWalkTest, AnyRootLoadsFromAFreshObjectAndStrayTextIsDropped)
     order->FromXml(OrderXml(kShipTo + AddressXml("billTo") + "<comment>c</comment>" + kLineItem + kTotals).c_str());
     ASSERT_NE(order->GetBillTo(), nullptr);
     // Each load starts from Init; the root's own name is taken.
-    order->FromXml(("<order xmlns='urn:kdbind:example:po' orderDate='d'>text" + kShipTo + "between" + kLineItem +
+    order->FromXml(("<order xmlns='urn:kdbind:example:po' orderDate='2004-01-02'>text" + kShipTo + "between" + kLineItem +
                     kTotals + "</order>")
                        .c_str());
     EXPECT_EQ(order->GetElementName(), "order");
@@ -39,13 +39,13 @@ TEST(InputWalkTest, AttributesUnknownMissingAndOfTheSchemaInstance)
     auto withAttributes = [](std::string const& attributes) {
         return OrderXml(kShipTo + kLineItem + kTotals, attributes);
     };
-    EXPECT_EQ(LoadFailure(order, withAttributes("orderDate='d' colour='red'"), With(&Context::SetIgnoreUnknownAttributes)),
+    EXPECT_EQ(LoadFailure(order, withAttributes("orderDate='2004-01-02' colour='red'"), With(&Context::SetIgnoreUnknownAttributes)),
               "<no exception>");
     EXPECT_EQ(LoadFailure(order, withAttributes("")),
               "Failed to process the element [purchaseOrder]\nFailed to find the required Attribute [orderDate]");
     // The type and the schema locations never count as unknown; other
     // attributes of the schema instance namespace do.
-    std::string const xsi = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' orderDate='d' ";
+    std::string const xsi = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' orderDate='2004-01-02' ";
     EXPECT_EQ(LoadFailure(order, withAttributes(xsi + "xsi:type='T' xsi:schemaLocation='a b' "
                                                       "xsi:noNamespaceSchemaLocation='c'")),
               "<no exception>");

@@ -12,7 +12,7 @@ namespace {
 CSmartPtr<CPurchaseOrder> NewOrder()
 {
     CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
-    order->SetOrderDate("d");
+    order->SetOrderDate(CDateTime(2004, 1, 2));
     order->GetShipTo().SetName("A");
     CSmartPtr<CLineItem> item = new CLineItem();
     item->SetPartNum("001-AA");
@@ -38,7 +38,7 @@ TEST(OutputWalkTest, OnlyTheRootCarriesTheContextsItemsAndContentFollowsTheTable
     EXPECT_EQ(order->ToXml(true, false, EOLType_CRLF, context),
               "<?xml version=\"1.0\"?>\r\n<?first?>\r\n\r\n<?second?>\r\n\r\n"
               "<po:purchaseOrder xmlns=\"urn:d\" xmlns:po=\"urn:kdbind:example:po\" xmlns:z=\"urn:z\" "
-              "orderDate=\"d\" status=\"open\" \r\n<s/>\r\n>"
+              "orderDate=\"2004-01-02\" status=\"open\" \r\n<s/>\r\n>"
               "<po:shipTo country=\"US\"><po:name>A</po:name><po:street/><po:city/><po:state/><po:zip>0</po:zip>"
               "</po:shipTo><po:priority>urgent</po:priority><po:lineItem partNum=\"001-AA\"><po:productName/>"
               "<po:quantity>0</po:quantity><po:USPrice>0</po:USPrice></po:lineItem><po:subtotal>0</po:subtotal>"

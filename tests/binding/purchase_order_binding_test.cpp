@@ -67,6 +67,32 @@ TEST_F(PurchaseOrderBindingTest, RoundTripIsExactAndSubstitutionKeepsTheClass)
         << written;
 }
 
+TEST_F(PurchaseOrderBindingTest, DatesKeepTheirFractionAndZoneBothWays)
+{
+    std::string xml = Document("<timestamp> 2026-01-02T10:20:30.123456789-05:00 </timestamp>" + LineItem());
+    xml.replace(xml.find("2026-01-02'"), 10, "2026-01-02Z");
+    CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
+    order->FromXml(xml.c_str());
+    ASSERT_TRUE(order->GetTimestamp().has_value());
+    EXPECT_EQ(order->GetTimestamp()->GetNanoSecond(), 789);
+    EXPECT_EQ(order->GetTimestamp()->GetZoneHour(), -5);
+    EXPECT_EQ(order->GetOrderDate().GetType(), CDateTime::dt_date);
+
+    std::string const written = order->ToXml(false, false);
+    EXPECT_NE(written.find(" orderDate=\"2026-01-02Z\""), std::string::npos) << written;
+    EXPECT_NE(written.find(">2026-01-02T10:20:30.123456789-05:00</"), std::string::npos) << written;
+    CSmartPtr<CPurchaseOrder> copy = new CPurchaseOrder();
+    copy->FromXml(written.c_str());
+    EXPECT_EQ(copy->GetTimestamp()->CompareTo(*order->GetTimestamp()), 0);
+    EXPECT_EQ(copy->ToXml(false, false), written);
+
+    std::string bad = Document(LineItem());
+    bad.replace(bad.find("2026-01-02'"), 10, "2026-02-30");
+    EXPECT_EQ(Failure(bad), "Failed to process the element [purchaseOrder]\nInvalid Day [30] (1 <= day <= days in month");
+    EXPECT_EQ(Failure(Document("<timestamp>2026-01-02T24:00:00</timestamp>" + LineItem())),
+              "Failed to process the element [purchaseOrder]\nInvalid XSD Time [24:00:00] expected hh:mm:ss[.ff]");
+}
+
 TEST_F(PurchaseOrderBindingTest, DefaultAttributeIsLeftOutOnlyWhenAsked)
 {
     CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
@@ -91,7 +117,7 @@ TEST_F(PurchaseOrderBindingTest, FailuresNameThePathFromTheRoot)
               "remains un processed");
     EXPECT_EQ(Failure(Document(LineItem()).replace(0, 14, "<purchaseOrder partNum='x'")),
               "Failed to process the element [purchaseOrder]\nUnexpected Attribute [partNum] found.");
-    EXPECT_EQ(Failure("<purchaseOrder xmlns='urn:kdbind:example:po' orderDate='d'/>"),
+    EXPECT_EQ(Failure("<purchaseOrder xmlns='urn:kdbind:example:po' orderDate='2026-01-02'/>"),
               "Failed to process the element [purchaseOrder]\nFailed to find a required element [shipTo]");
 }
 
