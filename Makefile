@@ -1,5 +1,6 @@
 # Front door: `make demo`, `make test`, `make bench`.
-# SANITIZE=1 builds with clang, AddressSanitizer and UndefinedBehaviorSanitizer.
+# SANITIZE=1 builds with clang, AddressSanitizer and UndefinedBehaviorSanitizer;
+# SANITIZE=thread with clang and ThreadSanitizer.
 JOBS ?= 2
 BUILD_TYPE ?= RelWithDebInfo
 
@@ -7,6 +8,10 @@ ifeq ($(SANITIZE),1)
 BUILD_DIR ?= build-sanitize
 DEPS_FLAGS := --sanitize
 CMAKE_FLAGS += -DCMAKE_CXX_COMPILER=clang++ -DKDBIND_SANITIZE=ON
+else ifeq ($(SANITIZE),thread)
+BUILD_DIR ?= build-tsan
+DEPS_FLAGS := --sanitize
+CMAKE_FLAGS += -DCMAKE_CXX_COMPILER=clang++ -DKDBIND_SANITIZE_THREAD=ON
 else
 BUILD_DIR ?= build
 endif
@@ -27,8 +32,9 @@ build: configure
 test: build
 	@ctest --test-dir $(BUILD_DIR) --output-on-failure -j$(JOBS)
 
+# The demo's text is UTF-8, so it runs under a UTF-8 locale.
 demo: build
-	@$(BUILD_DIR)/examples/kdbind_demo
+	@LC_ALL=C.UTF-8 $(BUILD_DIR)/examples/kdbind_demo
 
 bench: deps
 	@cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DKDBIND_BUILD_BENCH=ON -DKDBIND_BUILD_TESTS=OFF >/dev/null
@@ -36,4 +42,4 @@ bench: deps
 	@for b in build-bench/bench/kdbind_bench_*; do if [ -x "$$b" ]; then "$$b" || exit 1; fi; done
 
 clean:
-	rm -rf build build-sanitize build-bench
+	rm -rf build build-sanitize build-tsan build-bench

@@ -1,6 +1,7 @@
 // The KdBind demo: builds a purchase order, writes it as XML, reads it back
 // into a new object and checks that the round trip is exact, then shows what
 // a user sees for an object and a document that break the schema.
+#include <clocale>
 #include <iostream>
 #include <string>
 
@@ -23,7 +24,7 @@ CSmartPtr<CPurchaseOrder> BuildOrder()
     order->SetTimestamp(CDateTime("2026-11-21T09:30:15.123456789+01:00"));
 
     CUSAddress& shipTo = order->GetShipTo();
-    shipTo.SetName("Alice Smith");
+    shipTo.SetName("Zoë Brontë");  // this file is UTF-8, and so is the locale of `make demo`
     shipTo.SetStreet("123 Maple Street");
     shipTo.SetCity("Mill Valley");
     shipTo.SetState("CA");
@@ -102,6 +103,10 @@ char const kBrokenDocument[] =
 
 int main()
 {
+    // Text is held in the code page of the process's locale. Without this
+    // call a program runs in the "C" locale, whose code page is ASCII, and
+    // every letter beyond ASCII would be read back as '?'.
+    setlocale(LC_ALL, "");
     int status = 0;
     try {
         CXmlSerializationContext context;
@@ -138,6 +143,10 @@ int main()
                   << "; a double would have kept " << CConversions::r8ToString(asDouble) << ".\n\n";
         if (!exact || !priceExact) {
             std::cout << rewritten << "\n";
+            status = 1;
+        }
+        if (copy->GetShipTo().GetName() != "Zoë Brontë") {
+            std::cout << "   The name beyond ASCII did not survive: run the demo under a UTF-8 locale.\n\n";
             status = 1;
         }
 

@@ -97,6 +97,16 @@ public:
     std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
     std::vector<std::string> const& GetProcessingInstructions() const { return m_processingInstructions; }
 
+    // How deep objects may nest, one inside the other, when a document is
+    // read into them or they are written out; one level per element and per
+    // model group. Deeper input fails with CKdValidationException instead of
+    // exhausting the stack; so does a deeper (or cyclic) object tree on
+    // output. The default is far beyond any real schema and far below what
+    // the stack of a thread can take; 0 or less means no limit.
+    static constexpr int kDefaultMaxDepth = 1000;
+    int GetMaxDepth() const { return m_maxDepth; }
+    void SetMaxDepth(int depth) { m_maxDepth = depth; }
+
 private:
     std::string m_defaultNamespaceURI;
     CNamespaceAliasMap m_namespaceAliases;
@@ -111,6 +121,7 @@ private:
     SchemaType m_schemaType = SchemaType_Default;
     bool m_noOptionalAttributeDefaultOutput = false;
     bool m_stripCDATA = true;
+    int m_maxDepth = kDefaultMaxDepth;
 };
 
 // ---------------------------------------------------------------------------
@@ -330,9 +341,13 @@ protected:
     static void FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, int index);
 
 private:
+    static void Destroy(CXmlObjectBase* object);
+
     std::string m_elementName;
     CKDCriticalSection m_lock;
     long m_refCount = 0;
+    // Links the objects that wait for Destroy on this thread.
+    CXmlObjectBase* m_nextToDestroy = nullptr;
 };
 
 // ---------------------------------------------------------------------------

@@ -95,6 +95,10 @@ public:
     CKdException();
     CKdException(std::string message);
     CKdException(std::string message, CKdException const& inner);
+    // Takes over the inner failure's chain instead of copying it, so that
+    // wrapping a failure on every level of a deep document costs the same on
+    // each level. The inner is left without a chain of its own.
+    CKdException(std::string message, CKdException&& inner);
     CKdException(CKdException const& other);
     virtual ~CKdException();
     virtual CKdException* Clone() const;
@@ -109,8 +113,11 @@ public:
     std::string GetFullMessage() const;
 
 private:
+    // A copy of the chain that starts at first, made link by link.
+    static CKdException* CloneChain(CKdException const* first);
+
     std::string m_message;
-    CKdException* m_inner;
+    CKdException* m_inner;  // owned; a chain of any length, copied and destroyed without recursion
 };
 
 #define KDBIND_DECLARE_EXCEPTION(Name, Base)                                   \
@@ -120,6 +127,8 @@ private:
         Name(std::string message) : Base(std::move(message)) {}               \
         Name(std::string message, CKdException const& inner)                   \
             : Base(std::move(message), inner) {}                               \
+        Name(std::string message, CKdException&& inner)                        \
+            : Base(std::move(message), std::move(inner)) {}                    \
         Name(CKdException const& other) : Base(other) {}                       \
         Name(Name const& other) : Base(static_cast<CKdException const&>(other)) {} \
         CKdException* Clone() const override { return new Name(*this); }      \

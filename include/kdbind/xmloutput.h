@@ -178,6 +178,10 @@ public:
         NamespaceMap* m_namespaces;
         bool m_inheritsScope;
         bool m_ownsMap;
+        // The nearest context, this one included, with a scope of its own:
+        // kept as each context is made, since only the newest one (the
+        // current element) ever takes a scope of its own.
+        CXmlWriterContext const* m_scopeOwner;
 
     public:
         // The prefix the start tag was written with and the map it stands in:

@@ -1,5 +1,6 @@
 // CXmlGeneratedClass: the output walk over a generated class's metadata.
 #include "kdbind/metadata.h"
+#include "binding/nesting_level.h"
 
 using namespace KdBindData;
 
@@ -75,6 +76,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool root, char const* ns
                                    CXmlSerializationContext const& context, bool isOptional) const
 {
     try {
+        CNestingLevel const level(context, CNestingLevel::Writing);
         CParentElementInfo const* info = GetClassInfo();
         bool const hasTag = info->GetElementType() == XmlElementType_Element;
         if (hasTag) {
@@ -111,9 +113,9 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool root, char const* ns
         }
         if (hasTag)
             writer->WriteEndElement();
-    } catch (CKdException const& e) {
+    } catch (CKdException& e) {
         throw CKdValidationException(FormatString("Failed to convert the element [%s] to XML", GetElementName().c_str()),
-                                     e);
+                                     std::move(e));
     }
 }
 
@@ -124,8 +126,8 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializati
         if (info->GetWriteTypeAttribute() && info->GetElementName() != GetElementName())
             writer->WriteAttributeType(info->GetNamespace(), info->GetElementName(), ItemType_string);
         ProcessAttributesToXml(context, GetClassElementInfo(), GetClassAttributeInfo(), writer);
-    } catch (CKdException const& e) {
-        throw CKdException("Failed to convert attributes to XML", e);
+    } catch (CKdException& e) {
+        throw CKdException("Failed to convert attributes to XML", std::move(e));
     }
 }
 

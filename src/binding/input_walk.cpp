@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "kdbind/metadata.h"
+#include "binding/nesting_level.h"
 
 using namespace KdBindData;
 
@@ -63,6 +64,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
                                              CXmlSerializationContext const& context, bool isOptional)
 {
     try {
+        CNestingLevel const level(context, CNestingLevel::Reading);
         Init();
         CParentElementInfo const* info = GetClassInfo();
         XmlElementType const elementType = info->GetElementType();
@@ -89,9 +91,9 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
             AccessProperty(info->GetTextPropertyId(), false, text);
         }
         return cursor;
-    } catch (CKdException const& e) {
+    } catch (CKdException& e) {
         throw CKdValidationException(FormatString("Failed to process the element [%s]", element->GetLocalName().c_str()),
-                                     e);
+                                     std::move(e));
     }
 }
 

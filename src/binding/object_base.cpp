@@ -33,8 +33,36 @@ long CXmlObjectBase::Release()
     long const count = --m_refCount;
     m_lock.Leave();
     if (count == 0)
-        delete this;
+        Destroy(this);
     return count;
+}
+
+namespace {
+// Objects of this thread whose count came to 0 while another object was
+// being destroyed, and whether a Destroy is running.
+thread_local CXmlObjectBase* t_toDestroy = nullptr;
+thread_local bool t_destroying = false;
+} // namespace
+
+// Destroying an object releases what it holds, and a chain of objects would
+// destroy one link inside the other, a stack frame per link. Instead an
+// object released during a destruction waits in a list that the outermost
+// Destroy works through, so any tree is freed at a constant depth.
+void CXmlObjectBase::Destroy(CXmlObjectBase* object)
+{
+    if (t_destroying) {
+        object->m_nextToDestroy = t_toDestroy;
+        t_toDestroy = object;
+        return;
+    }
+    t_destroying = true;
+    delete object;
+    while (t_toDestroy) {
+        CXmlObjectBase* next = t_toDestroy;
+        t_toDestroy = next->m_nextToDestroy;
+        delete next;
+    }
+    t_destroying = false;
 }
 
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, CXmlSerializationContext const&) const {}

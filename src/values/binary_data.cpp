@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "kdbind/values.h"
+#include "runtime/checked_size.h"
 
 namespace KdBind {
 
@@ -71,8 +72,8 @@ CBinaryData::CDataHolder::CDataHolder(unsigned char const* data, unsigned long l
         m_capacity = m_length;
         return;
     }
-    // Computed wide, so that very large blocks cannot wrap to a short buffer.
-    m_capacity = m_length * 2 > kMinimumCopyCapacity ? m_length * 2 : kMinimumCopyCapacity;
+    unsigned long const doubled = CheckedProduct(m_length, 2UL);
+    m_capacity = doubled > kMinimumCopyCapacity ? doubled : kMinimumCopyCapacity;
     m_data = new unsigned char[m_capacity];
     if (m_length)
         memcpy(m_data, data, m_length);
@@ -108,9 +109,9 @@ void CBinaryData::CDataHolder::Append(unsigned char const* data, unsigned long l
     CScopedLock lock(m_lock);
     if (m_refCount > 1)
         throw CKdException(FormatString("Failed to append. [RefCount=%d]", static_cast<int>(m_refCount)));
-    unsigned long const newLength = m_length + length;
+    unsigned long const newLength = CheckedSum(m_length, length);
     if (newLength > m_capacity) {
-        unsigned long const capacity = newLength * 2;
+        unsigned long const capacity = CheckedProduct(newLength, 2UL);
         unsigned char* const grown = new unsigned char[capacity];
         if (m_length)
             memcpy(grown, m_data, m_length);

@@ -300,6 +300,31 @@ size_t PrintGeneralExactly(double value, int precision, char* out)
     return static_cast<size_t>(p - out);
 }
 
+// A caller's format for a real: any text, "%%" included, around exactly one
+// conversion of a double (flags, a width and a precision in digits, then one
+// of e E f F g G a A). Anything else would make snprintf read an argument it
+// is not given, or of another type.
+bool IsRealFormat(char const* format)
+{
+    int conversions = 0;
+    for (char const* p = format; *p; ++p) {
+        if (*p != '%')
+            continue;
+        if (*++p == '%')
+            continue;
+        p += strspn(p, "-+ #0");
+        p += strspn(p, "0123456789");
+        if (*p == '.')
+            p += 1 + strspn(p + 1, "0123456789");
+        if (*p == 'l')  // "%lf" is "%f"
+            ++p;
+        if (!*p || !strchr("eEfFgGaA", *p))
+            return false;
+        ++conversions;
+    }
+    return conversions == 1;
+}
+
 // A text longer than the buffer is cut off, as the library always has.
 template <class Real, size_t BufferSize>
 std::string RealText(RealForm const& form, Real value, char const* format)
@@ -323,6 +348,8 @@ std::string RealText(RealForm const& form, Real value, char const* format)
         if (printed.ec == std::errc())
             return std::string(buffer, printed.ptr);
         format = form.defaultFormat;
+    } else if (!IsRealFormat(format)) {
+        throw CKdInvalidParamException(FormatString("Invalid format [%s] for a real value", format));
     }
     ClassicLocaleScope classic;
     buffer[0] = '\0';

@@ -20,6 +20,8 @@ struct FileCloser {
 void CXmlDocument::Load(char const* path)
 {
     Cleanup();
+    if (!path)
+        throw CKdInvalidParamException("No file to load");
     FILE* const file = fopen(path, "rt");
     if (!file)
         throw CKdException(FormatString("Failed to open the file [%s]", path));
@@ -42,6 +44,8 @@ void CXmlDocument::LoadXmlStream(unsigned char* data, unsigned long length)
     Cleanup();
     if (length == 0)
         throw CKdException("XML Stream is empty!");
+    if (!data)
+        throw CKdInvalidParamException("No data to load");
     m_inputBuffer = new unsigned char[length];
     memcpy(m_inputBuffer, data, length);
     m_inputLength = length;

@@ -5,6 +5,7 @@
 
 #include "kdbind/binding.h"
 #include "kdbind/xmlinput.h"
+#include "runtime/checked_size.h"
 #include "xmlinput/node_pool.h"
 
 namespace KdBind {
@@ -81,7 +82,7 @@ void CXmlDocument::LoadXml(wchar_t const* text)
     size_t const count = text ? wcslen(text) : 0;
     if (count == 0)
         throw CKdException("XML String is empty!");
-    unsigned long const length = 2 * count + 2;
+    unsigned long const length = CheckedSum(CheckedProduct<unsigned long>(count, 2), 2UL);
     unsigned char* const buffer = new unsigned char[length];
     buffer[0] = 0xFF;
     buffer[1] = 0xFE;
@@ -108,8 +109,17 @@ std::string CXmlDocument::LookupNamespaceFromAlias(char const* alias) const
     return found == m_aliasMap.end() ? std::string() : found->second;
 }
 
+namespace {
+void RequireName(char const* uri, char const* name)
+{
+    if (!uri || !name)
+        throw CKdInvalidParamException("An element needs a name and a namespace URI (empty for none), not null");
+}
+} // namespace
+
 CXmlElement* CXmlDocument::AddDocElement(char const* uri, char const* name)
 {
+    RequireName(uri, name);
     // A second document element (only a faulty producer makes one) replaces
     // the first rather than leaking it.
     if (m_documentElement) {
@@ -126,6 +136,7 @@ CXmlElement* CXmlDocument::AddDocElement(char const* uri, char const* name)
 
 CXmlElement* CXmlDocument::AddChildElement(char const* uri, char const* name)
 {
+    RequireName(uri, name);
     if (m_elementStack.empty())
         throw CKdInvalidStateException("No open element to add a child element to");
     CXmlElement* const element = m_elementStack.back()->CreateNewChildElement();
@@ -166,11 +177,17 @@ void CXmlDocument::EndElement()
 void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string const& name, std::string const& value,
                                        std::string const& uri)
 {
+    if (!element)
+        throw CKdInvalidParamException("No element to add the attribute to");
     element->AddAttribute(name, value, uri);
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length)
 {
+    if (!element || (!text && length))
+        throw CKdInvalidParamException("No element, or no text, to append to it");
+    if (!text)
+        return;
     char const* const end = text + strnlen(text, length);
     while (text < end) {
         char const* const cr = static_cast<char const*>(memchr(text, '\r', static_cast<size_t>(end - text)));

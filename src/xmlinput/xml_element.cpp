@@ -81,6 +81,8 @@ void CXmlElement::AppendText(char const* text, int length)
 {
     if (length <= 0)
         return;
+    if (!text)
+        throw CKdInvalidParamException("No text to append");
     std::string::size_type const needed = m_text.size() + static_cast<std::string::size_type>(length);
     if (!m_text.empty() && m_text.capacity() < needed)
         m_text.reserve(std::max(2 * m_text.capacity(), needed));
@@ -89,6 +91,8 @@ void CXmlElement::AppendText(char const* text, int length)
 
 void CXmlElement::AppendText(char const* text)
 {
+    if (!text)
+        throw CKdInvalidParamException("No text to append");
     for (size_t length = strlen(text); length > 0;) {
         int const slice = static_cast<int>(std::min<size_t>(length, INT_MAX));
         AppendText(text, slice);

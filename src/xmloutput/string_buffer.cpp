@@ -1,6 +1,8 @@
+#include <cassert>
 #include <cstring>
 
 #include "kdbind/xmloutput.h"
+#include "runtime/checked_size.h"
 
 namespace KdBind {
 
@@ -38,7 +40,13 @@ void CStringBuffer::Empty()
 
 void CStringBuffer::AddNewBlock()
 {
-    char* block = new char[m_blockSize + 1]();
+    // Room in both lists first, so that once the block exists nothing can
+    // fail and lose it.
+    if (m_blocks.size() == m_blocks.capacity())
+        m_blocks.reserve(CheckedSum(m_blocks.size(), m_blocks.size() + 4));
+    if (m_blockSizes.size() == m_blockSizes.capacity())
+        m_blockSizes.reserve(m_blocks.capacity());
+    char* block = new char[CheckedSum(m_blockSize, 1UL)]();
     m_blocks.push_back(block);
     m_blockSizes.push_back(m_blockSize);
     m_current = block;
@@ -48,8 +56,9 @@ void CStringBuffer::AddNewBlock()
 
 void CStringBuffer::AppendAcrossBlocks(char const* text, unsigned long length)
 {
-    m_total += length;
+    m_total = CheckedSum(m_total, length);
     while (length > 0) {
+        assert(m_used <= m_capacity);
         if (m_used == m_capacity) {
             AddNewBlock();
             continue;
@@ -77,7 +86,7 @@ char* CStringBuffer::GetText()
     if (m_blocks.size() == 1)
         return m_blocks.front();
     unsigned long const total = m_total;
-    char* joined = new char[total + 1];
+    char* joined = new char[CheckedSum(total, 1UL)];
     char* out = joined;
     for (size_t i = 0; i + 1 < m_blocks.size(); ++i) {
         memcpy(out, m_blocks[i], m_blockSizes[i]);

@@ -1,5 +1,7 @@
 // CXmlWriter: the stack of open elements and their copy-on-write
 // namespace scopes, shared by the text and binary writers.
+#include <cassert>
+
 #include "kdbind/xmloutput.h"
 
 namespace KdBind {
@@ -13,14 +15,14 @@ CXmlWriterContext::CXmlWriterContext(std::string const& name, std::string const&
                                      CXmlWriterContext* parent)
     : CInstanceMonitor("CXmlWriterContext"), m_depth(parent ? parent->m_depth + 1 : 0), m_uri(uri), m_name(name),
       m_parent(parent), m_defaultNamespace(defaultNamespace), m_namespaces(new NamespaceMap(namespaces)),
-      m_inheritsScope(false), m_ownsMap(true)
+      m_inheritsScope(false), m_ownsMap(true), m_scopeOwner(this)
 {
 }
 
 CXmlWriterContext::CXmlWriterContext(std::string const& name, std::string const& uri, CXmlWriterContext* parent)
     : CInstanceMonitor("CXmlWriterContext"), m_depth(parent ? parent->m_depth + 1 : 0), m_uri(uri), m_name(name),
       m_parent(parent), m_namespaces(parent ? parent->GetNamespaceMap() : nullptr), m_inheritsScope(true),
-      m_ownsMap(false)
+      m_ownsMap(false), m_scopeOwner(parent ? parent->m_scopeOwner : this)
 {
 }
 
@@ -42,22 +44,28 @@ void CXmlWriterContext::Reuse(std::string const& name, std::string const& uri, C
     m_namespaces = parent->GetNamespaceMap();
     m_inheritsScope = true;
     m_ownsMap = false;
+    m_scopeOwner = parent->m_scopeOwner;
 }
 
 CXmlWriterContext::~CXmlWriterContext()
 {
     if (m_ownsMap)
         delete m_namespaces;
-    delete m_parent;
+    // One context after the other, so that a deep stack needs no deep recursion.
+    CXmlWriterContext* parent = m_parent;
+    m_parent = nullptr;
+    while (parent) {
+        CXmlWriterContext* next = parent->m_parent;
+        parent->m_parent = nullptr;
+        delete parent;
+        parent = next;
+    }
 }
 
-// The nearest context, this one included, that has a scope of its own.
 CXmlWriterContext const* CXmlWriterContext::ScopeOwner() const
 {
-    CXmlWriterContext const* context = this;
-    while (context->m_inheritsScope && context->m_parent)
-        context = context->m_parent;
-    return context;
+    assert(m_scopeOwner && (m_scopeOwner == this || m_inheritsScope));
+    return m_scopeOwner;
 }
 
 CXmlWriter::NamespaceMap* CXmlWriterContext::GetNamespaceMap() const { return ScopeOwner()->m_namespaces; }
@@ -73,6 +81,7 @@ void CXmlWriterContext::TakeOwnScope()
     m_namespaces = inherited ? new NamespaceMap(*inherited) : new NamespaceMap();
     m_ownsMap = true;
     m_inheritsScope = false;
+    m_scopeOwner = this;
 }
 
 void CXmlWriterContext::SetDefaultNamespace(std::string const& uri)
@@ -170,6 +179,7 @@ CXmlWriterContext* CXmlWriter::PushContext(std::string const& name, std::string 
 void CXmlWriter::PopContext()
 {
     CXmlWriterContext* ended = m_context;
+    assert(ended);  // the writers check for an open element before they pop one
     m_context = ended->m_parent;
     if (m_context) {
         // The scope it owns goes now; a document element is not kept, as it

@@ -1,5 +1,6 @@
 // Failures, message formatting, the string and file helpers, and the
 // options record.
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <typeinfo>
@@ -43,6 +44,29 @@ char const* NullText()
     return nothing;
 }
 } // namespace
+
+TEST(ExceptionTest, ChainsOfAnyLengthAreBuiltCopiedAndFreedWithoutRecursion)
+{
+    // Each wrap takes the inner chain over: the moved-from failure keeps its
+    // message and type but no chain.
+    std::unique_ptr<CKdException> chain(new CKdInvalidValueException("fault"));
+    for (int i = 0; i < 200000; ++i)
+        chain.reset(new CKdValidationException("level", std::move(*chain)));
+    CKdValidationException moved("top", std::move(*chain));
+    EXPECT_EQ(chain->GetInnerException(), nullptr);
+    EXPECT_EQ(chain->GetMessage(), "level");
+
+    CKdException const copy(moved);
+    CKdException* clone = copy.Clone();
+    std::string const full = clone->GetFullMessage();
+    EXPECT_EQ(std::count(full.begin(), full.end(), '\n'), 200001);
+    EXPECT_EQ(full.substr(full.rfind('\n') + 1), "fault");
+    CKdException const* last = clone;
+    while (last->GetInnerException())
+        last = last->GetInnerException();
+    EXPECT_NE(dynamic_cast<CKdInvalidValueException const*>(last), nullptr);
+    delete clone;
+}
 
 TEST(FormatTest, PrintsAsPrintfWhateverTheLength)
 {

@@ -202,3 +202,13 @@ TEST(Base64FormTest, RoundTripsEveryLengthAroundTheGroupSize)
     EXPECT_EQ(CBase64().Read(9, &got, position), 0u);  // beyond the mask table
     EXPECT_EQ(got, 0);
 }
+
+TEST(BinaryDataTest, GrowthPastTheAddressableSizeFailsAsAnAllocation)
+{
+    CBinaryData data("abc");
+    unsigned char byte = 'x';
+    // The sizes wrap before any allocation is tried: the block stays intact.
+    EXPECT_THROW(data.Append(&byte, ~0UL), std::bad_alloc);
+    EXPECT_THROW(data.Append(&byte, ~0UL / 2), std::bad_alloc);
+    EXPECT_EQ(Bytes(data), "abc");
+}

@@ -125,3 +125,19 @@ TEST(VariantTest, FailedReadsLeaveTheVariantAsItWasAndObjectTagsHaveNoText)
     value.SetXmlCollection(nullptr);
     EXPECT_EQ(FailureOf([&] { value.ToString(); }), "Invalid Type 28 to convert to string");
 }
+
+TEST(VariantTest, ACallersRealFormatMustPrintExactlyOneReal)
+{
+    KdVariant value;
+    value.SetR8(2.5);
+    EXPECT_EQ(value.ToString("%.3f"), "2.500");
+    EXPECT_EQ(value.ToString("[%+08.2lf%%]"), "[+0002.50%]");
+    EXPECT_EQ(value.ToString("%e"), "2.500000e+00");
+    value.SetR4(1.5f);
+    EXPECT_EQ(value.ToString("%g"), "1.5");
+    // Each of these would read an argument that is not there, or of another type.
+    for (char const* format : {"%s", "%d", "%n", "%f %f", "%*f", "%.*f", "%Lf", "%", "text", "%c", "%p"})
+        EXPECT_EQ(FailureOf<CKdInvalidParamException>([&] { value.ToString(format); }),
+                  std::string("Invalid format [") + format + "] for a real value")
+            << format;
+}

@@ -187,3 +187,30 @@ TEST(NamespaceAliasMapTest, OneAliasPerUriInUriOrder)
     EXPECT_TRUE(map.DoesNamespaceExist("urn:0"));
     EXPECT_EQ(map.GetNamespaceAt(0), "urn:0");
 }
+
+TEST(BadCallsTest, NullNamesTextsAndIndexesPastTheEndAreRefused)
+{
+    using Refused = CKdInvalidParamException;
+    CXmlDocument document;
+    EXPECT_NE(FailureOf<Refused>([&] { document.AddDocElement(nullptr, "e"); }), "<no failure>");
+    EXPECT_NE(FailureOf<Refused>([&] { document.AddDocElement("", nullptr); }), "<no failure>");
+    CXmlElement* root = document.AddDocElement("", "root");
+    EXPECT_NE(FailureOf<Refused>([&] { document.AddChildElement(nullptr, "c"); }), "<no failure>");
+    EXPECT_NE(FailureOf<Refused>([&] { CXmlDocument::AppendTextExcludingCR(root, nullptr, 3); }), "<no failure>");
+    EXPECT_NE(FailureOf<Refused>([&] { CXmlDocument::AppendTextExcludingCR(nullptr, "t"); }), "<no failure>");
+    EXPECT_NE(FailureOf<Refused>([&] { CXmlDocument::AddElementAttribute(nullptr, "a", "v", ""); }), "<no failure>");
+    EXPECT_NE(FailureOf<Refused>([&] { root->AppendText(nullptr); }), "<no failure>");
+    CXmlDocument::AppendTextExcludingCR(root, nullptr, 0);  // nothing to append is no fault
+    EXPECT_EQ(root->GetText(), "");
+    EXPECT_NE(FailureOf<Refused>([&] { document.Load(nullptr); }), "<no failure>");
+    EXPECT_NE(FailureOf<Refused>([&] { document.LoadXmlStream(nullptr, 5); }), "<no failure>");
+
+    CNamespaceAliasMap map;
+    EXPECT_EQ(FailureOf<Refused>([&] { map.GetNamespaceAt(0); }), "Namespace index [0] out of range [0--1]");
+    EXPECT_NE(FailureOf<Refused>([&] { map.GetNamespaceAt(-1); }), "<no failure>");
+    map.Add("a", "urn:a");
+    EXPECT_EQ(FailureOf<Refused>([&] { map.GetNamespaceAt(1); }), "Namespace index [1] out of range [0-0]");
+    EXPECT_NE(FailureOf<Refused>([&] { map.Add(nullptr, "urn:b"); }), "<no failure>");
+    EXPECT_NE(FailureOf<Refused>([&] { map.GetAliasFromNamespace(nullptr); }), "<no failure>");
+    EXPECT_EQ(map.GetNamespaceCount(), 1);
+}
