@@ -25,7 +25,7 @@ inline CSmartPtr<CPurchaseOrder> MakeOrder(int lineItems)
     shipTo.SetZip(90952);
     for (int i = 0; i < lineItems; ++i) {
         CSmartPtr<CLineItem> item = new CLineItem();
-        item->SetPartNum(std::to_string(100000 + i) + "-AA");
+        item->SetPartNum(std::to_string(100 + i % 900) + "-AA");  // the SKU pattern: three digits
         item->SetProductName("Garden hose, 25 m, reinforced");
         item->SetQuantity(static_cast<unsigned short>(1 + i % 9));
         item->SetUSPrice(CDecimal((std::to_string(19 + i % 100) + ".99").c_str()));

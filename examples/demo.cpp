@@ -43,6 +43,10 @@ CSmartPtr<CPurchaseOrder> BuildOrder()
 
     order->SetComment("Hurry, my lawn is going wild & the neighbours <complain>!");
     order->SetPriority(Priority_urgent);
+    order->GetTags().Add("garden");
+    order->GetTags().Add("spring sale");
+    order->GetParcelWeights().Add(21500);
+    order->GetParcelWeights().Add(450);
 
     CSmartPtr<CLineItem> mower = new CLineItem();
     mower->SetPartNum("872-AA");
@@ -151,7 +155,9 @@ int main()
                   << PriorityToString(*copy->GetPriority()) << ";\n   " << copy->GetLineItems().GetCount()
                   << " line items, the second a book by "
                   << dynamic_cast<CBookDetails&>(*copy->GetLineItems().GetAt(1)->GetDetails()).GetAuthor()
-                  << " (its class chosen from xsi:type).\n"
+                  << " (its class chosen from xsi:type);\n   tags \"" << copy->GetTags().Item(0) << "\" and \""
+                  << copy->GetTags().Item(1) << "\", parcels of " << copy->GetParcelWeights().Item(0) << " g and "
+                  << copy->GetParcelWeights().Item(1) << " g.\n"
                   << "   Ordered on " << copy->GetOrderDate().ToString() << " (day " << copy->GetOrderDate().GetDayOfYear()
                   << " of the year), stamped " << copy->GetTimestamp()->ToString()
                   << ":\n   all nine digits of its fraction and its zone survive; in UTC that is "
@@ -225,6 +231,17 @@ int main()
                       << " attribute of another namespace.\n";
         if (!kept)
             status = 1;
+
+        std::cout << "\n6. A part number that breaks the SKU pattern \\d{3}-[A-Z]{2} is refused on output:\n\n";
+        try {
+            CSmartPtr<CPurchaseOrder> misnumbered = BuildOrder();
+            misnumbered->GetLineItems().GetAt(0)->SetPartNum("872-aa");
+            misnumbered->ToXml(true, true, EOLType_LF, context);
+            std::cout << "   It was written, which it should not have been.\n";
+            status = 1;
+        } catch (CKdException const& e) {
+            std::cout << e.GetFullMessage() << "\n";
+        }
     } catch (CKdException const& e) {
         std::cerr << "KdBind failure:\n" << e.GetFullMessage() << "\n";
         status = 1;

@@ -94,13 +94,14 @@ CElementInfo** CLineItem::GetClassElementInfo() const
 {
     return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
+        CPrimitiveRestrictions const belowHundred("", -1, -1, "", "", "", "100", -1);
         auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
         auto const preserve = CWhitespaceUtils::WhitespaceRule_Preserve;
         return new CElementInfo*[6]{
             new CElementInfoSeqPrimMnd("productName", NAMESPACE, Property_ProductName, KdBind::ItemType_string, nullptr,
                                        preserve, none),
             new CElementInfoSeqPrimMnd("quantity", NAMESPACE, Property_Quantity, KdBind::ItemType_ui2, nullptr,
-                                       collapse, none),
+                                       collapse, belowHundred),
             new CElementInfoSeqPrimMnd("USPrice", NAMESPACE, Property_USPrice, KdBind::ItemType_decimal, nullptr,
                                        collapse, none),
             new CElementInfoSeqAbsClsOpt("details", NAMESPACE, Property_Details, XmlElementType_Element,
@@ -116,7 +117,8 @@ CAttributeInfo** CLineItem::GetClassAttributeInfo() const
     return m_tables.attributeInfo.Get([] {
         return new CAttributeInfo*[2]{
             new CAttributeInfoPrimitive("partNum", "", Property_PartNum, false, KdBind::ItemType_string, nullptr,
-                                        CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr),
+                                        CWhitespaceUtils::WhitespaceRule_Collapse,
+                                        CPrimitiveRestrictions("\\d{3}-[A-Z]{2}", -1, -1, "", "", "", "", -1), nullptr),
             nullptr};
     });
 }

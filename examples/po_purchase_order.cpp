@@ -24,6 +24,11 @@ void CPurchaseOrder::Init()
     m_comment.reset();
     m_priority.reset();
     m_timestamp.reset();
+    auto const collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+    m_tags = new KdBind::CstringCol("tag", NAMESPACE, 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
+                                    CWhitespaceUtils::WhitespaceRule_Preserve, nullptr);
+    m_parcelWeights = new KdBind::Ci4Col("parcelWeight", NAMESPACE, 0, -1, nullptr, -1, -1, "1", "30000", nullptr,
+                                         nullptr, -1, collapse, nullptr);
     m_lineItems = new CLineItemCol();
     m_totals = new COrderTotals();
     m_orderDate.Clear();
@@ -79,6 +84,14 @@ void CPurchaseOrder::AccessProperty(int propertyId, bool readAccess, KdVariant& 
         else if (m_timestamp)
             value.SetDateTime(*m_timestamp);
         break;
+    case Property_Tags:
+        if (readAccess)
+            value.SetXmlCollection(m_tags);
+        break;
+    case Property_ParcelWeights:
+        if (readAccess)
+            value.SetXmlCollection(m_parcelWeights);
+        break;
     case Property_LineItems:
         if (readAccess)
             value.SetXmlCollection(m_lineItems);
@@ -126,7 +139,7 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
 {
     return m_tables.elementInfo.Get([] {
         CPrimitiveRestrictions const none;
-        return new CElementInfo*[9]{
+        return new CElementInfo*[11]{
             new CElementInfoSeqClsMnd("shipTo", NAMESPACE, Property_ShipTo, XmlElementType_Element, &CreateObject,
                                       ClassId_USAddress, false),
             new CElementInfoSeqClsOpt("billTo", NAMESPACE, Property_BillTo, XmlElementType_Element, &CreateObject,
@@ -137,6 +150,8 @@ CElementInfo** CPurchaseOrder::GetClassElementInfo() const
                                        &PriorityFromString),
             new CElementInfoSeqPrimOpt("timestamp", NAMESPACE, Property_Timestamp, KdBind::ItemType_datetime,
                                        nullptr, CWhitespaceUtils::WhitespaceRule_Collapse, none),
+            new CElementInfoSeqPrimCol("tag", NAMESPACE, Property_Tags),
+            new CElementInfoSeqPrimCol("parcelWeight", NAMESPACE, Property_ParcelWeights),
             new CElementInfoSeqClsCol("lineItem", NAMESPACE, Property_LineItems, XmlElementType_Element),
             new CElementInfoSeqClsMnd("OrderTotals", NAMESPACE, Property_Totals, XmlElementType_PseudoChild,
                                       &CreateObject, ClassId_OrderTotals, true),

@@ -11,6 +11,8 @@
 //         <xs:element name="comment" type="xs:string" minOccurs="0"/>
 //         <xs:element name="priority" type="Priority" minOccurs="0"/>
 //         <xs:element name="timestamp" type="xs:dateTime" minOccurs="0"/>
+//         <xs:element name="tag" type="xs:string" minOccurs="0" maxOccurs="unbounded"/>
+//         <xs:element name="parcelWeight" type="Grams" minOccurs="0" maxOccurs="unbounded"/>
 //         <xs:element name="lineItem" type="LineItem" maxOccurs="unbounded"/>
 //         <xs:group ref="OrderTotals"/>
 //       </xs:sequence>
@@ -30,12 +32,15 @@
 //     <xs:complexType name="LineItem">
 //       <xs:sequence>
 //         <xs:element name="productName" type="xs:string"/>
-//         <xs:element name="quantity" type="xs:unsignedShort"/>
+//         <xs:element name="quantity">
+//           <xs:simpleType><xs:restriction base="xs:unsignedShort">
+//             <xs:maxExclusive value="100"/></xs:restriction></xs:simpleType>
+//         </xs:element>
 //         <xs:element name="USPrice" type="xs:decimal"/>
 //         <xs:element name="details" type="ProductDetails" minOccurs="0"/>
 //         <xs:element name="comment" type="xs:string" minOccurs="0"/>
 //       </xs:sequence>
-//       <xs:attribute name="partNum" type="xs:string" use="required"/>
+//       <xs:attribute name="partNum" type="SKU" use="required"/>
 //     </xs:complexType>
 //     <xs:complexType name="ProductDetails" abstract="true"/>
 //     <xs:complexType name="BookDetails">         (extends ProductDetails)
@@ -56,6 +61,8 @@
 //         <xs:element name="itemCount" type="xs:unsignedShort"/>
 //       </xs:sequence>
 //     </xs:group>
+//     <xs:simpleType name="SKU">   xs:string, pattern "\d{3}-[A-Z]{2}"
+//     <xs:simpleType name="Grams">   xs:int, from 1 to 30000 inclusive
 //     <xs:simpleType name="Priority">   low | normal | urgent
 //     <xs:simpleType name="OrderStatus">   open | shipped | cancelled
 //   </xs:schema>
@@ -368,6 +375,8 @@ public:
     void SetPriority(std::optional<Priority> value) { m_priority = value; }
     std::optional<KdBind::CDateTime> const& GetTimestamp() const { return m_timestamp; }
     void SetTimestamp(std::optional<KdBind::CDateTime> value) { m_timestamp = std::move(value); }
+    KdBind::CstringCol& GetTags() const { return *m_tags; }
+    KdBind::Ci4Col& GetParcelWeights() const { return *m_parcelWeights; }
     CLineItemCol& GetLineItems() const { return *m_lineItems; }
     COrderTotals& GetTotals() const { return *m_totals; }
     KdBind::CDateTime const& GetOrderDate() const { return m_orderDate; }
@@ -395,6 +404,8 @@ private:
         Property_Comment,
         Property_Priority,
         Property_Timestamp,
+        Property_Tags,
+        Property_ParcelWeights,
         Property_LineItems,
         Property_Totals,
         Property_OrderDate,
@@ -408,6 +419,8 @@ private:
     std::optional<std::string> m_comment;
     std::optional<Priority> m_priority;
     std::optional<KdBind::CDateTime> m_timestamp;  // a dateTime
+    CSmartPtr<KdBind::CstringCol> m_tags;
+    CSmartPtr<KdBind::Ci4Col> m_parcelWeights;
     CSmartPtr<CLineItemCol> m_lineItems;
     CSmartPtr<COrderTotals> m_totals;
     KdBind::CDateTime m_orderDate;  // a date

@@ -171,8 +171,71 @@ public:
                                      std::string const& name, std::string const& ns);
     // Tests a value against the facets of its element or attribute; throws on
     // a value outside them.
+    // The value is taken from the variant by type, not by the variant's tag.
+    // Facet failures are plain CKdException naming the element or attribute;
+    // a bound that cannot be read in the value's type fails as its conversion
+    // does. char values cannot be restricted.
     static void CheckRestriction(char const* name, KdVariant const& value, ItemType type,
                                  CPrimitiveRestrictions const& restrictions);
+
+    // One check per kind. Numbers and the Gregorian parts test the four
+    // bounds only; strings and binary data test the lengths (in bytes), and
+    // strings the pattern as well. Bounds are parsed on a record's first
+    // check and kept with it.
+    static void CheckRestrictionForhexBinary(char const* name, CBinaryData const& value,
+                                             CPrimitiveRestrictions const& restrictions);
+    // Reports the value in hex, as the hexBinary check does.
+    static void CheckRestrictionForbase64Binary(char const* name, CBinaryData const& value,
+                                                CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori1(char const* name, char value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori2(char const* name, short value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori4(char const* name, long value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFori8(char const* name, long long value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui1(char const* name, unsigned char value,
+                                       CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui2(char const* name, unsigned short value,
+                                       CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui4(char const* name, unsigned long value,
+                                       CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForui8(char const* name, unsigned long long value,
+                                       CPrimitiveRestrictions const& restrictions);
+    // A NaN fails every bound that is set.
+    static void CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForr8(char const* name, double value, CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForyear(char const* name, unsigned short value,
+                                        CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFormonth(char const* name, unsigned char value,
+                                         CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForday(char const* name, unsigned char value,
+                                       CPrimitiveRestrictions const& restrictions);
+    // Length is in bytes of the local code page. A failure inside the
+    // pattern test (a refused pattern, a text that cannot be encoded) stops
+    // the process on a trap.
+    static void CheckRestrictionForstring(char const* name, std::string value,
+                                          CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFordecimal(char const* name, CDecimal const& value,
+                                           CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForinteger(char const* name, CBigInteger const& value,
+                                           CPrimitiveRestrictions const& restrictions);
+    // Dates and durations: a comparison that is indeterminate (a zone on one
+    // side only, months against days) passes the bound.
+    static void CheckRestrictionForduration(char const* name, CDateTimeSpan const& value,
+                                            CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionForyearMonth(char const* name, CDateTime const& value,
+                                             CPrimitiveRestrictions const& restrictions);
+    // The same check as CheckRestrictionForyearMonth, under the other name.
+    static void CheckRestrictionFormonthYear(char const* name, CDateTime const& value,
+                                             CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFormonthDay(char const* name, CDateTime const& value,
+                                            CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFordate(char const* name, CDateTime const& value,
+                                        CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFordatetime(char const* name, CDateTime const& value,
+                                            CPrimitiveRestrictions const& restrictions);
+    static void CheckRestrictionFortime(char const* name, CDateTime const& value,
+                                        CPrimitiveRestrictions const& restrictions);
+    // Accepts every value: no facet of the record applies to booleans.
+    static void CheckRestrictionForboolean(char const* name, bool value, CPrimitiveRestrictions const& restrictions);
 };
 
 // ---------------------------------------------------------------------------
@@ -517,6 +580,166 @@ private:
     char const* m_format;  // not owned
     CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
 };
+
+// ---------------------------------------------------------------------------
+// Collections of primitive values, one class per kind: the property type of
+// a repeating element of simple type. Items are plain values in a vector.
+//
+// Adding tells the listeners first (with a pointer to the value), then tests
+// the index ("Index out of range") and the facets, inserts, and tells them
+// the add is complete and the collection changed. Removing tells them of the
+// removal before the index is tested, and reports 0 as the index of the
+// completed removal whatever it was. Clear removes item by item, with all
+// events. On output the collection checks its count itself and writes one
+// element per item in its own namespace; on input every item goes through
+// AddFromString, so the facets are checked at each one.
+// ---------------------------------------------------------------------------
+
+// The stored type and the argument type of Add and AddAt, per kind.
+template <ItemType Kind> struct CValueCollectionTraits;
+#define KDBIND_VALUE_COLLECTION_TRAITS(kind, stored, arg)                       \
+    template <> struct CValueCollectionTraits<kind> {                           \
+        typedef stored Stored;                                                  \
+        typedef arg Arg;                                                        \
+    }
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i1, char, char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i2, short, short);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i4, long, long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_i8, long long, long long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui1, unsigned char, unsigned char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui2, unsigned short, unsigned short);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui4, unsigned long, unsigned long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_ui8, unsigned long long, unsigned long long);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_r4, float, float);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_r8, double, double);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_boolean, bool, bool);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_string, std::string, std::string);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_hexBinary, CBinaryData, CBinaryData const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_base64Binary, CBinaryData, CBinaryData const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_year, unsigned short, unsigned short);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_month, unsigned char, unsigned char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_day, unsigned char, unsigned char);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_decimal, CDecimal, CDecimal const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_integer, CBigInteger, CBigInteger const&);
+KDBIND_VALUE_COLLECTION_TRAITS(ItemType_duration, CDateTimeSpan, CDateTimeSpan const&);
+#undef KDBIND_VALUE_COLLECTION_TRAITS
+
+template <ItemType Kind>
+class CValueCollection : public CXmlTypeCollection, private CInstanceMonitor {
+public:
+    typedef typename CValueCollectionTraits<Kind>::Stored Stored;
+    typedef typename CValueCollectionTraits<Kind>::Arg Arg;
+
+    // The facets come in the order of CPrimitiveRestrictions; null texts read
+    // as empty ones. The format is not copied and must outlive the collection.
+    CValueCollection(char const* elementName, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
+                     int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
+                     char const* minExclusive, char const* maxExclusive, int length,
+                     CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format);
+
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override;
+    void Remove(int index) override;
+    void AddFromString(std::string text) override;
+    void Add(Arg value);
+    void AddAt(int index, Arg value);
+    Stored Item(int index) const;
+
+protected:
+    // The flags and the namespace argument play no part.
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+
+private:
+    std::vector<Stored> m_items;
+};
+
+#define KDBIND_VALUE_COLLECTION(name, kind)                                     \
+    extern template class CValueCollection<kind>;                               \
+    class name : public CValueCollection<kind> {                                \
+    public:                                                                     \
+        using CValueCollection<kind>::CValueCollection;                         \
+    }
+KDBIND_VALUE_COLLECTION(Ci1Col, ItemType_i1);
+KDBIND_VALUE_COLLECTION(Ci2Col, ItemType_i2);
+KDBIND_VALUE_COLLECTION(Ci4Col, ItemType_i4);
+KDBIND_VALUE_COLLECTION(Ci8Col, ItemType_i8);
+KDBIND_VALUE_COLLECTION(Cui1Col, ItemType_ui1);
+KDBIND_VALUE_COLLECTION(Cui2Col, ItemType_ui2);
+KDBIND_VALUE_COLLECTION(Cui4Col, ItemType_ui4);
+KDBIND_VALUE_COLLECTION(Cui8Col, ItemType_ui8);
+KDBIND_VALUE_COLLECTION(Cr4Col, ItemType_r4);
+KDBIND_VALUE_COLLECTION(Cr8Col, ItemType_r8);
+KDBIND_VALUE_COLLECTION(CbooleanCol, ItemType_boolean);
+KDBIND_VALUE_COLLECTION(CstringCol, ItemType_string);
+KDBIND_VALUE_COLLECTION(ChexBinaryCol, ItemType_hexBinary);
+KDBIND_VALUE_COLLECTION(Cbase64BinaryCol, ItemType_base64Binary);
+KDBIND_VALUE_COLLECTION(CyearCol, ItemType_year);
+KDBIND_VALUE_COLLECTION(CmonthCol, ItemType_month);
+KDBIND_VALUE_COLLECTION(CdayCol, ItemType_day);
+KDBIND_VALUE_COLLECTION(CdecimalCol, ItemType_decimal);
+KDBIND_VALUE_COLLECTION(CintegerCol, ItemType_integer);
+KDBIND_VALUE_COLLECTION(CdurationCol, ItemType_duration);
+#undef KDBIND_VALUE_COLLECTION
+
+// The date lists share one base holding CDateTime items. A leaf accepts only
+// dates of its own CDateTime type, and tests that and the facets before the
+// add event and the index; on output every leaf tells the writer
+// ItemType_datetime, whatever its own kind.
+class CdatetimeBaseCol : public CXmlTypeCollection {
+public:
+    CdatetimeBaseCol(ItemType itemType, char const* elementName, char const* ns, int minOccurs, int maxOccurs,
+                     char const* pattern, int minLength, int maxLength, char const* minInclusive,
+                     char const* maxInclusive, char const* minExclusive, char const* maxExclusive, int length,
+                     CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format);
+
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override;
+    void Remove(int index) override;
+    virtual void Add(CDateTime const& value);
+    virtual void AddAt(int index, CDateTime const& value) = 0;
+    virtual CDateTime Item(int index) const;
+    virtual std::string ItemToString(CDateTime const& value) const = 0;
+
+protected:
+    void ToXml_Int(CXmlWriter* writer, bool root, char const* ns, CXmlSerializationContext const& context,
+                   bool isOptional) const override;
+    // What follows a leaf's own tests: the add event, the index test, the
+    // insertion and the completion events.
+    void BaseAddAt(int index, CDateTime const& value);
+
+private:
+    std::vector<CDateTime> m_items;
+};
+
+template <ItemType Kind>
+class CDateCollection : public CdatetimeBaseCol, private CInstanceMonitor {
+public:
+    // The arguments of every value list.
+    CDateCollection(char const* elementName, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
+                    int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
+                    char const* minExclusive, char const* maxExclusive, int length,
+                    CWhitespaceUtils::WhitespaceRule whitespaceRule, char const* format);
+
+    void AddFromString(std::string text) override;
+    using CdatetimeBaseCol::Add;
+    // Refuses a date of another CDateTime type with CKdInvalidParamException.
+    void AddAt(int index, CDateTime const& value) override;
+    std::string ItemToString(CDateTime const& value) const override;
+};
+
+#define KDBIND_DATE_COLLECTION(name, kind)                                      \
+    extern template class CDateCollection<kind>;                                \
+    class name : public CDateCollection<kind> {                                 \
+    public:                                                                     \
+        using CDateCollection<kind>::CDateCollection;                           \
+    }
+KDBIND_DATE_COLLECTION(CdatetimeCol, ItemType_datetime);
+KDBIND_DATE_COLLECTION(CdateCol, ItemType_date);
+KDBIND_DATE_COLLECTION(CtimeCol, ItemType_time);
+KDBIND_DATE_COLLECTION(CyearMonthCol, ItemType_yearMonth);
+KDBIND_DATE_COLLECTION(CmonthDayCol, ItemType_monthDay);
+#undef KDBIND_DATE_COLLECTION
 
 // ---------------------------------------------------------------------------
 // The base of generated class factories: the xsi:type of an element, which

@@ -7,6 +7,7 @@
 #ifndef KDBIND_RUNTIME_H
 #define KDBIND_RUNTIME_H
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -243,6 +244,21 @@ enum SchemaType : int {
 // Facets of a primitive, as text bounds and lengths.
 // ---------------------------------------------------------------------------
 
+// The facets in a form ready for testing, built by the facet checks of the
+// binding layer on a record's first test. The kind is the ItemType the forms
+// were built for.
+class CParsedRestrictions {
+public:
+    explicit CParsedRestrictions(ItemType kind) : m_kind(kind) {}
+    CParsedRestrictions(CParsedRestrictions const&) = delete;
+    CParsedRestrictions& operator=(CParsedRestrictions const&) = delete;
+    virtual ~CParsedRestrictions() = default;
+    ItemType GetKind() const { return m_kind; }
+
+private:
+    ItemType m_kind;
+};
+
 class CPrimitiveRestrictions {
 public:
     CPrimitiveRestrictions() = default;
@@ -253,9 +269,12 @@ public:
           minInclusive(std::move(minInclusive)), maxInclusive(std::move(maxInclusive)),
           minExclusive(std::move(minExclusive)), maxExclusive(std::move(maxExclusive)),
           length(length) {}
-    CPrimitiveRestrictions(CPrimitiveRestrictions const&) = default;
-    CPrimitiveRestrictions& operator=(CPrimitiveRestrictions const&) = default;
-    virtual ~CPrimitiveRestrictions() = default;
+    // Copies take the facets, not the parsed forms.
+    CPrimitiveRestrictions(CPrimitiveRestrictions const& other)
+        : CPrimitiveRestrictions(other.pattern, other.minLength, other.maxLength, other.minInclusive,
+                                 other.maxInclusive, other.minExclusive, other.maxExclusive, other.length) {}
+    CPrimitiveRestrictions& operator=(CPrimitiveRestrictions const& other);
+    virtual ~CPrimitiveRestrictions();
 
     std::string pattern;        // empty: none
     int minLength = -1;         // negative: none
@@ -265,6 +284,18 @@ public:
     std::string minExclusive;
     std::string maxExclusive;
     int length = -1;
+
+    // The parsed forms, null until a check installs them. Installed at most
+    // once and never changed afterwards, so that a record in a metadata table
+    // serves every thread; users of the forms still compare them with the
+    // fields, which stay public and may have changed.
+    CParsedRestrictions const* GetParsed() const { return m_parsed.load(std::memory_order_acquire); }
+    // Takes ownership of parsed; returns what is installed, which is another
+    // thread's forms if that thread was first (parsed is then freed).
+    CParsedRestrictions const* InstallParsed(CParsedRestrictions* parsed) const;
+
+private:
+    mutable std::atomic<CParsedRestrictions*> m_parsed{nullptr};  // owned
 };
 
 // ---------------------------------------------------------------------------

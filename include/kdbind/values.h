@@ -4,6 +4,7 @@
 #define KDBIND_VALUES_H
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -132,6 +133,42 @@ std::string PadZero(int value, unsigned char width);
 // The fraction of a second in its shortest form with its point, ".5" for
 // 500 ms; the empty string when all three groups are zero.
 std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano);
+
+// ---------------------------------------------------------------------------
+// The xsd:pattern facet, decided by PCRE2.
+// ---------------------------------------------------------------------------
+
+// Whether the whole of value (local code page) matches pattern (UTF-8). The
+// XML Schema escapes \i \I \c \C and the blocks IsBasicLatin,
+// IsLatin-1Supplement, IsLatinExtended-A and IsLatinExtended-B are rewritten
+// into PCRE terms; everything else is PCRE's own syntax, with \w and \d
+// ASCII only. A pattern PCRE2 refuses stops the process on a trap: a bad
+// pattern is a fault of the schema's translation, not of the document.
+// Compiled patterns are kept and shared by all threads.
+bool TestRegEx(std::string pattern, std::string value);
+
+// One compiled pattern. Immutable once built, so one instance serves any
+// number of threads.
+class CCompiledPattern {
+public:
+    // Rewrites and compiles; traps on a pattern PCRE2 refuses.
+    explicit CCompiledPattern(std::string pattern);
+    CCompiledPattern(CCompiledPattern const&) = delete;
+    CCompiledPattern& operator=(CCompiledPattern const&) = delete;
+    ~CCompiledPattern();
+
+    // The match of TestRegEx: anchored at the start, and it must end at the
+    // end of the value (up to a first NUL). A match that runs out of its step
+    // or memory budget is a non-match, never a hang.
+    bool Matches(std::string const& value) const;
+
+    // The compiled form of pattern from the process-wide cache, compiled on
+    // first use. Holders keep their pattern alive even if the cache drops it.
+    static std::shared_ptr<CCompiledPattern const> Shared(std::string const& pattern);
+
+private:
+    void* m_code;  // pcre2_code, owned
+};
 
 // ---------------------------------------------------------------------------
 // Exact numbers: integers of any size (xsd:integer and its relatives) and

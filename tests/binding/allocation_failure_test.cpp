@@ -14,7 +14,7 @@ TEST(AllocationFailureTest, EveryFailedAllocationOfAReadOrWriteFailsItCleanly)
         GTEST_SKIP() << "the sanitizer's runtime owns the allocation functions";
     std::string const xml =
         OrderXml(kShipTo + AddressXml("billTo") + "<comment>c</comment><priority>low</priority>" +
-                     "<lineItem partNum='1'><productName>P</productName><quantity>1</quantity><USPrice>1</USPrice>"
+                     "<lineItem partNum='100-AA'><productName>P</productName><quantity>1</quantity><USPrice>1</USPrice>"
                      "<details xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='BookDetails'>"
                      "<author>A</author><isbn>1</isbn></details></lineItem>" +
                      kLineItem + kTotals,

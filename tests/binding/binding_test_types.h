@@ -82,7 +82,7 @@ inline std::string AddressXml(std::string const& tag)
 }
 inline std::string const kShipTo = AddressXml("shipTo");
 inline std::string const kLineItem =
-    "<lineItem partNum='1'><productName>P</productName><quantity>1</quantity><USPrice>1</USPrice></lineItem>";
+    "<lineItem partNum='100-AA'><productName>P</productName><quantity>1</quantity><USPrice>1</USPrice></lineItem>";
 inline std::string const kTotals = "<subtotal>1</subtotal><itemCount>1</itemCount>";
 inline std::string OrderXml(std::string const& children = kShipTo + kLineItem + kTotals,
                             std::string const& attributes = "orderDate='2004-01-02'")

@@ -15,7 +15,7 @@ CSmartPtr<CPurchaseOrder> NewOrder()
     order->SetOrderDate(CDateTime(2004, 1, 2));
     order->GetShipTo().SetName("A");
     CSmartPtr<CLineItem> item = new CLineItem();
-    item->SetPartNum("1");
+    item->SetPartNum("001-AA");
     order->GetLineItems().Add(item);
     order->GetTotals().SetItemCount(1);
     return order;
@@ -40,7 +40,7 @@ TEST(OutputWalkTest, OnlyTheRootCarriesTheContextsItemsAndContentFollowsTheTable
               "<po:purchaseOrder xmlns=\"urn:d\" xmlns:po=\"urn:kdbind:example:po\" xmlns:z=\"urn:z\" "
               "orderDate=\"2004-01-02\" status=\"open\" \r\n<s/>\r\n>"
               "<po:shipTo country=\"US\"><po:name>A</po:name><po:street/><po:city/><po:state/><po:zip>0</po:zip>"
-              "</po:shipTo><po:priority>urgent</po:priority><po:lineItem partNum=\"1\"><po:productName/>"
+              "</po:shipTo><po:priority>urgent</po:priority><po:lineItem partNum=\"001-AA\"><po:productName/>"
               "<po:quantity>0</po:quantity><po:USPrice>0</po:USPrice></po:lineItem><po:subtotal>0</po:subtotal>"
               "<po:shipping>2.5</po:shipping><po:itemCount>1</po:itemCount></po:purchaseOrder>");
 }

@@ -24,7 +24,8 @@ struct PurchaseOrderBindingTest : ::testing::Test {
     }
     static std::string LineItem(std::string const& details = "")
     {
-        return "<lineItem partNum='1-A'><productName>P</productName><quantity>2</quantity><USPrice>3.5</USPrice>" +
+        return "<lineItem partNum='123-AB'><productName>P</productName><quantity>2</quantity>"
+               "<USPrice>3.5</USPrice>" +
                details + "</lineItem>";
     }
     static std::string Failure(std::string const& xml)
@@ -186,4 +187,40 @@ TEST_F(PurchaseOrderBindingTest, ExtensionPointTakesOneForeignElementAndForeignA
     EXPECT_EQ(Failure(Document(LineItem()).insert(Document(LineItem()).rfind("</purchaseOrder>"), "<extra/>")),
               "Failed to process the element [purchaseOrder]\nFailed read all the elements held within the element "
               "[purchaseOrder]. The unexpected element [extra] remains un processed");
+}
+
+TEST_F(PurchaseOrderBindingTest, FacetsRefuseOnOutputAndListItemsOnInput)
+{
+    // Value lists sit between priority and the line items.
+    std::string const lists = "<tag>a</tag><tag> b </tag><parcelWeight>7</parcelWeight>";
+    std::string xml = Document(LineItem());
+    xml.insert(xml.find("<lineItem"), lists);
+    CSmartPtr<CPurchaseOrder> order = new CPurchaseOrder();
+    order->FromXml(xml.c_str());
+    ASSERT_EQ(order->GetTags().GetCount(), 2);
+    EXPECT_EQ(order->GetTags().Item(1), " b ");  // tags preserve their blanks
+    EXPECT_EQ(order->GetParcelWeights().Item(0), 7);
+
+    // A list item outside its range fails as it is read, with its path.
+    xml.replace(xml.find(">7<"), 3, ">0<");
+    EXPECT_EQ(Failure(xml), "Failed to process the element [purchaseOrder]\nInvalid Value for parcelWeight [0]");
+
+    // Facets of attributes and elements are tested as they are written.
+    auto const writeFailure = [&] {
+        try {
+            order->ToXml();
+        } catch (CKdException const& e) {
+            return e.GetFullMessage();
+        }
+        return std::string("<no exception>");
+    };
+    CLineItem& item = *order->GetLineItems().GetAt(0);
+    item.SetPartNum("12-AB");
+    EXPECT_EQ(writeFailure(),
+              "Failed to convert the element [purchaseOrder] to XML\nFailed to convert the element [lineItem] to "
+              "XML\nFailed to convert attributes to XML\nInvalid Value for partNum [12-AB]");
+    item.SetPartNum("123-AB");
+    item.SetQuantity(100);
+    EXPECT_NE(writeFailure().find("Invalid Value for quantity [100]"),
+              std::string::npos);
 }
