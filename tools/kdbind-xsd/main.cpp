@@ -1,0 +1,99 @@
+// kdbind-xsd: turns XML Schemas into classes for the KdBind library.
+//
+//   kdbind-xsd --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... SCHEMA.xsd...
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "emitter.h"
+#include "schema_model.h"
+
+namespace {
+
+int Usage(char const* program)
+{
+    std::fprintf(stderr,
+                 "usage: %s --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... SCHEMA.xsd...\n"
+                 "Writes a header and a source file per target namespace into DIR; with --main roundtrip\n"
+                 "also DIR/roundtrip.cpp, a program that reads a document and writes it back.\n",
+                 program);
+    return 2;
+}
+
+// Leaves a file that already holds the text alone, so that a build that
+// generates at build time does not recompile what did not change.
+void WriteFile(std::filesystem::path const& path, std::string const& text)
+{
+    {
+        std::ifstream existing(path, std::ios::binary);
+        if (existing) {
+            std::string const old((std::istreambuf_iterator<char>(existing)), std::istreambuf_iterator<char>());
+            if (old == text)
+                return;
+        }
+    }
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << text;
+    out.close();
+    if (!out)
+        throw KdXsd::CSchemaError("cannot write [" + path.string() + "]");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::string outputDir;
+    bool roundtrip = false;
+    std::vector<std::string> schemas;
+    std::map<std::string, std::string> cppNamespaces;
+    for (int i = 1; i < argc; ++i) {
+        std::string const arg = argv[i];
+        bool const hasValue = i + 1 < argc;
+        if (arg == "--output-dir" && hasValue) {
+            outputDir = argv[++i];
+        } else if (arg == "--main" && hasValue) {
+            if (std::strcmp(argv[++i], "roundtrip") != 0) {
+                std::fprintf(stderr, "%s: unknown main program [%s]\n", argv[0], argv[i]);
+                return 2;
+            }
+            roundtrip = true;
+        } else if (arg == "--namespace" && hasValue) {
+            std::string const mapping = argv[++i];
+            auto const equals = mapping.rfind('=');
+            if (equals == std::string::npos || equals + 1 == mapping.size())
+                return Usage(argv[0]);
+            cppNamespaces[mapping.substr(0, equals)] = mapping.substr(equals + 1);
+        } else if (arg == "--help" || arg == "-h") {
+            Usage(argv[0]);
+            return 0;
+        } else if (!arg.empty() && arg[0] == '-') {
+            return Usage(argv[0]);
+        } else {
+            schemas.push_back(arg);
+        }
+    }
+    if (outputDir.empty() || schemas.empty())
+        return Usage(argv[0]);
+
+    try {
+        KdXsd::SchemaSet const set = KdXsd::LoadSchemas(schemas, cppNamespaces);
+        std::filesystem::create_directories(outputDir);
+        std::filesystem::path const dir(outputDir);
+        for (auto const& ns : set.namespaces) {
+            WriteFile(dir / (ns->fileStem + ".h"), KdXsd::EmitHeader(*ns));
+            WriteFile(dir / (ns->fileStem + ".cpp"), KdXsd::EmitSource(*ns));
+        }
+        if (roundtrip)
+            WriteFile(dir / "roundtrip.cpp", KdXsd::EmitRoundtripMain(set));
+    } catch (KdXsd::CSchemaError const& e) {
+        std::fprintf(stderr, "%s\n", e.what());
+        return 1;
+    } catch (std::exception const& e) {
+        std::fprintf(stderr, "%s: %s\n", argv[0], e.what());
+        return 1;
+    }
+    return 0;
+}
