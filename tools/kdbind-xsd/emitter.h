@@ -17,6 +17,11 @@ std::string EmitSource(NamespaceModel const& ns);
 // writes it back to standard output.
 std::string EmitRoundtripMain(SchemaSet const& set);
 
+// One file that includes the header (extension ".h") or the source (".cpp")
+// of every namespace: a build that cannot know the file names before the
+// compiler runs compiles and includes these.
+std::string EmitUmbrella(SchemaSet const& set, std::string const& extension);
+
 } // namespace KdXsd
 
 #endif

@@ -1,11 +1,15 @@
 // kdbind-xsd: turns XML Schemas into classes for the KdBind library.
 //
-//   kdbind-xsd --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... SCHEMA.xsd...
+//   kdbind-xsd --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... [--umbrella NAME]
+//              SCHEMA.xsd...
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
 
 #include "emitter.h"
 #include "schema_model.h"
@@ -15,9 +19,11 @@ namespace {
 int Usage(char const* program)
 {
     std::fprintf(stderr,
-                 "usage: %s --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... SCHEMA.xsd...\n"
+                 "usage: %s --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... [--umbrella NAME]\n"
+                 "          SCHEMA.xsd...\n"
                  "Writes a header and a source file per target namespace into DIR; with --main roundtrip\n"
-                 "also DIR/roundtrip.cpp, a program that reads a document and writes it back.\n",
+                 "also DIR/roundtrip.cpp, a program that reads a document and writes it back; with\n"
+                 "--umbrella NAME also DIR/NAME.h and DIR/NAME.cpp, which include all the others.\n",
                  program);
     return 2;
 }
@@ -47,6 +53,7 @@ int main(int argc, char** argv)
 {
     std::string outputDir;
     bool roundtrip = false;
+    std::string umbrella;
     std::vector<std::string> schemas;
     std::map<std::string, std::string> cppNamespaces;
     for (int i = 1; i < argc; ++i) {
@@ -66,6 +73,8 @@ int main(int argc, char** argv)
             if (equals == std::string::npos || equals + 1 == mapping.size())
                 return Usage(argv[0]);
             cppNamespaces[mapping.substr(0, equals)] = mapping.substr(equals + 1);
+        } else if (arg == "--umbrella" && hasValue) {
+            umbrella = argv[++i];
         } else if (arg == "--help" || arg == "-h") {
             Usage(argv[0]);
             return 0;
@@ -88,6 +97,10 @@ int main(int argc, char** argv)
         }
         if (roundtrip)
             WriteFile(dir / "roundtrip.cpp", KdXsd::EmitRoundtripMain(set));
+        if (!umbrella.empty()) {
+            WriteFile(dir / (umbrella + ".h"), KdXsd::EmitUmbrella(set, ".h"));
+            WriteFile(dir / (umbrella + ".cpp"), KdXsd::EmitUmbrella(set, ".cpp"));
+        }
     } catch (KdXsd::CSchemaError const& e) {
         std::fprintf(stderr, "%s\n", e.what());
         return 1;
