@@ -23,6 +23,7 @@ struct Property {
     std::string nsExpr;      // NAMESPACE or ""
     Kind kind = Kind::Prim;
     bool optional = false;
+    bool grouping = false;  // a grouping class, without a tag
     SimpleType const* simple = nullptr;
     ComplexType const* complex = nullptr;
     Particle const* particle = nullptr;    // null for an attribute
@@ -79,6 +80,7 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
         p.nsExpr = particle.qualified ? "NAMESPACE" : "\"\"";
         p.particle = &particle;
         p.optional = particle.minOccurs == 0 || type.group == GroupKind::Choice;
+        p.grouping = particle.grouping;
         if (particle.complex) {
             p.complex = particle.complex;
             p.kind = particle.maxOccurs == 1 ? Kind::Class : Kind::Collection;
@@ -306,7 +308,7 @@ void EmitClassDeclaration(std::ostream& out, NamespaceModel const& ns, ComplexTy
 {
     std::vector<Property> const properties = PropertiesOf(type);
     out << "// ---------------------------------------------------------------------------\n"
-        << "// " << type.schemaName << "\n"
+        << "// " << type.schemaName << (type.isGroup ? ": a model group, without a tag of its own" : "") << "\n"
         << "// ---------------------------------------------------------------------------\n\n"
         << "class " << type.className << " : public CSchemaClass {\n"
         << "public:\n"
@@ -612,6 +614,24 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
     out << "    }\n}\n\n";
 }
 
+char const* ElementType(Property const& p)
+{
+    return p.grouping ? "XmlElementType_PseudoChild" : "XmlElementType_Element";
+}
+
+// Whether a grouping class must take at least one element when it is not
+// optional: a choice whose alternatives are all required, or a sequence or
+// all with a required child.
+bool RequiresContent(ComplexType const& group)
+{
+    bool any = false, all = true;
+    for (Particle const& particle : group.particles) {
+        any = any || particle.minOccurs > 0;
+        all = all && particle.minOccurs > 0;
+    }
+    return group.group == GroupKind::Choice ? all && !group.particles.empty() : any;
+}
+
 std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Property const& p)
 {
     std::string const group = GroupName(type.group);
@@ -628,14 +648,18 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
                "FromString)";
     }
     case Kind::Class: {
-        std::string const factory = ", XmlElementType_Element, &" + Qualify(ns, p.complex->owner, "CreateObject") +
-                                    ", " + ClassIdOf(ns, *p.complex);
-        return "new CElementInfo" + group + "Cls" + occurs + "(" + head + factory + (p.optional ? ")" : ", false)");
+        std::string const factory = std::string(", ") + ElementType(p) + ", &" +
+                                    Qualify(ns, p.complex->owner, "CreateObject") + ", " + ClassIdOf(ns, *p.complex);
+        if (p.optional)
+            return "new CElementInfo" + group + "Cls" + occurs + "(" + head + factory + ")";
+        bool const contentRequired = p.grouping && RequiresContent(*p.complex);
+        return "new CElementInfo" + group + "Cls" + occurs + "(" + head + factory + ", " +
+               (contentRequired ? "true" : "false") + ")";
     }
     case Kind::Collection:
         break;
     }
-    return "new CElementInfo" + group + "ClsCol(" + head + ", XmlElementType_Element)";
+    return "new CElementInfo" + group + "ClsCol(" + head + ", " + ElementType(p) + ")";
 }
 
 std::string AttributeEntry(NamespaceModel const& ns, Property const& p)
@@ -659,8 +683,9 @@ void EmitTables(std::ostream& out, NamespaceModel const& ns, ComplexType const& 
     std::string const& c = type.className;
     out << "CParentElementInfo* " << c << "::GetClassInfo() const\n{\n"
         << "    return m_tables.classInfo.Get([] {\n"
-        << "        return new CParentElementInfo(" << GroupEnumerator(type.group) << ", XmlElementType_Element, "
-        << Quote(type.elementName) << ", NAMESPACE, -1, true, false);\n"
+        << "        return new CParentElementInfo(" << GroupEnumerator(type.group) << ", "
+        << (type.isGroup ? "XmlElementType_PseudoChild" : "XmlElementType_Element") << ", "
+        << Quote(type.elementName) << ", NAMESPACE, -1, " << (type.isGroup ? "false" : "true") << ", false);\n"
         << "    });\n}\n\n";
 
     std::vector<std::string> elements, attributes;

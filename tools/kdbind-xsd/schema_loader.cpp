@@ -179,20 +179,21 @@ private:
                     Unsupported(*current, child, "a schema location that is not a local file");
                 std::filesystem::path const target = std::filesystem::path(file).parent_path() / location;
                 ReadDocument(target.string(), current, child);
-            } else if (kind == "complexType" || kind == "simpleType" || kind == "element") {
+            } else if (kind == "complexType" || kind == "simpleType" || kind == "element" || kind == "group") {
                 if (!GetAttribute(child, "name", name))
                     Fail(*current, child, "a global xs:" + kind + " without a name");
                 auto& table = kind == "complexType" ? m_complexTypes
                               : kind == "simpleType" ? m_simpleTypes
+                              : kind == "group"      ? m_groups
                                                      : m_elements;
                 if (!table.emplace(QName(targetNamespace, name), Declaration{child, current}).second)
                     Fail(*current, child, "a second global xs:" + kind + " named [" + name + "]");
             } else if (kind == "redefine" || kind == "override") {
                 Unsupported(*current, child, "xs:" + kind);
             }
-            // Annotations, and definitions of groups, attribute groups,
-            // attributes and notations make no classes by themselves; every
-            // reference to one is refused where it stands.
+            // Annotations, and definitions of attribute groups, attributes
+            // and notations make no classes by themselves; every reference
+            // to one is refused where it stands.
         }
     }
 
@@ -427,9 +428,7 @@ private:
             Unsupported(doc, node, "mixed content");
 
         CNameScope properties;
-        for (char const* name : {"ElementName", "Namespace", "TargetNamespace", "Base", "ClassInfo",
-                                 "ClassElementInfo", "ClassAttributeInfo", "ClassElementInfoCount"})
-            properties.Reserve(name);
+        ReserveBaseNames(properties);
         bool sawGroup = false;
         for (CXmlElement const* child = node->GetFirstElement(); child; child = child->GetNextSiblingElement()) {
             std::string const& kind = child->GetLocalName();
@@ -444,11 +443,14 @@ private:
                 type->group = kind == "sequence" ? GroupKind::Sequence
                               : kind == "choice" ? GroupKind::Choice
                                                  : GroupKind::All;
-                ReadGroup(doc, child, *type, properties);
+                ReadGroup(doc, child, *type, properties, true);
             } else if (kind == "attribute") {
                 type->attributes.push_back(ReadAttribute(doc, child, properties));
             } else if (kind == "group") {
-                Unsupported(doc, child, "a model group reference (xs:group)");
+                if (sawGroup)
+                    Fail(doc, child, "a second model group in one complex type");
+                sawGroup = true;
+                type->particles.push_back(ReadGroupParticle(doc, child, properties));
             } else if (kind == "attributeGroup") {
                 Unsupported(doc, child, "an attribute group reference (xs:attributeGroup)");
             } else if (kind == "anyAttribute") {
@@ -464,10 +466,15 @@ private:
         return type;
     }
 
-    void ReadGroup(Document& doc, CXmlElement const* node, ComplexType& type, CNameScope& properties)
+    // checkOccurs: the group is the content model of a complex type, whose
+    // own occurrence the metadata cannot express; a nested group's
+    // occurrence is its particle's.
+    void ReadGroup(Document& doc, CXmlElement const* node, ComplexType& type, CNameScope& properties,
+                   bool checkOccurs)
     {
-        if (AttributeOr(node, "minOccurs", "1") != "1" || AttributeOr(node, "maxOccurs", "1") != "1")
-            Unsupported(doc, node, "minOccurs or maxOccurs on xs:" + node->GetLocalName());
+        if (checkOccurs &&
+            (AttributeOr(node, "minOccurs", "1") != "1" || AttributeOr(node, "maxOccurs", "1") != "1"))
+            Unsupported(doc, node, "minOccurs or maxOccurs on the model group of a complex type");
         for (CXmlElement const* child = node->GetFirstElement(); child; child = child->GetNextSiblingElement()) {
             std::string const& kind = child->GetLocalName();
             if (child->GetNamespaceURI() != kXsd)
@@ -476,15 +483,101 @@ private:
                 continue;
             if (kind == "element")
                 type.particles.push_back(ReadParticle(doc, child, type, properties));
-            else if (kind == "sequence" || kind == "choice" || kind == "all")
-                Unsupported(doc, child, "a nested model group (xs:" + kind + " in xs:" + node->GetLocalName() + ")");
-            else if (kind == "group")
-                Unsupported(doc, child, "a model group reference (xs:group)");
+            else if (kind == "sequence" || kind == "choice" || kind == "all" || kind == "group")
+                type.particles.push_back(ReadGroupParticle(doc, child, properties, &type));
             else if (kind == "any")
                 Unsupported(doc, child, "xs:any (untyped content)");
             else
                 Unsupported(doc, child, "xs:" + kind + " in a model group");
         }
+    }
+
+    // A nested model group or a reference to a named one: a grouping class,
+    // held by the owner as a child without a tag.
+    Particle ReadGroupParticle(Document& doc, CXmlElement const* node, CNameScope& properties,
+                               ComplexType const* owner = nullptr)
+    {
+        Particle particle;
+        particle.minOccurs = ReadOccurs(doc, node, "minOccurs");
+        particle.maxOccurs = ReadOccurs(doc, node, "maxOccurs");
+        if (particle.maxOccurs != 1)
+            Unsupported(doc, node, "a repeating model group");
+        if (particle.minOccurs > 1)
+            Fail(doc, node, "minOccurs is above maxOccurs");
+        particle.grouping = true;
+        particle.qualified = true;
+        std::string const& kind = node->GetLocalName();
+        if (kind == "group") {
+            std::string reference;
+            if (!GetAttribute(node, "ref", reference))
+                Fail(doc, node, "a local xs:group without ref");
+            QName const name = ResolveQName(doc, node, reference);
+            auto const found = m_groups.find(name);
+            if (found == m_groups.end())
+                Fail(doc, node, "unknown model group [" + reference + "]");
+            particle.complex = BuildNamedGroup(found->second);
+            AddDependency(doc.ns, particle.complex->owner);
+            particle.name = name.second;
+        } else {
+            std::string const kindName = ToIdentifier(kind);
+            particle.complex = BuildGroupClass(doc, node, (owner ? owner->schemaName : "") + kindName);
+            particle.name = particle.complex->schemaName;
+            // The owner calls a nested group by its kind: GetChoice().
+            particle.property = properties.Unique(kindName);
+            return particle;
+        }
+        particle.property = properties.Unique(ToIdentifier(particle.name));
+        return particle;
+    }
+
+    ComplexType* BuildNamedGroup(Declaration const& declaration)
+    {
+        auto const built = m_complexBuilt.find(declaration.node);
+        if (built != m_complexBuilt.end())
+            return built->second;
+        if (!m_groupsInProgress.insert(declaration.node).second)
+            Fail(*declaration.doc, declaration.node, "the model group contains itself");
+        for (CXmlElement const* child = declaration.node->GetFirstElement(); child;
+             child = child->GetNextSiblingElement()) {
+            if (IsXsd(child, "annotation"))
+                continue;
+            if (!IsXsd(child, "sequence") && !IsXsd(child, "choice") && !IsXsd(child, "all"))
+                Fail(*declaration.doc, child, "xs:" + child->GetLocalName() + " in a model group definition");
+            if (AttributeOr(child, "minOccurs", "1") != "1" || AttributeOr(child, "maxOccurs", "1") != "1")
+                Fail(*declaration.doc, child, "minOccurs or maxOccurs in a model group definition");
+            ComplexType* type = BuildGroupClass(*declaration.doc, child, AttributeOr(declaration.node, "name"));
+            m_complexBuilt[declaration.node] = type;
+            m_groupsInProgress.erase(declaration.node);
+            return type;
+        }
+        Fail(*declaration.doc, declaration.node, "a model group definition without a model group");
+    }
+
+    ComplexType* BuildGroupClass(Document& doc, CXmlElement const* node, std::string const& schemaName)
+    {
+        auto owned = std::make_unique<ComplexType>();
+        ComplexType* type = owned.get();
+        type->schemaName = schemaName;
+        type->elementName = schemaName;
+        type->owner = doc.ns;
+        type->isGroup = true;
+        type->className = m_typeNames[doc.ns].Unique("C" + ToIdentifier(schemaName));
+        std::string const& kind = node->GetLocalName();
+        type->group = kind == "sequence" ? GroupKind::Sequence
+                      : kind == "choice" ? GroupKind::Choice
+                                         : GroupKind::All;
+        doc.ns->types.push_back(std::move(owned));
+        CNameScope properties;
+        ReserveBaseNames(properties);
+        ReadGroup(doc, node, *type, properties, false);
+        return type;
+    }
+
+    static void ReserveBaseNames(CNameScope& properties)
+    {
+        for (char const* name : {"ElementName", "Namespace", "TargetNamespace", "Base", "ClassInfo",
+                                 "ClassElementInfo", "ClassAttributeInfo", "ClassElementInfoCount"})
+            properties.Reserve(name);
     }
 
     int ReadOccurs(Document const& doc, CXmlElement const* node, char const* name) const
@@ -610,10 +703,11 @@ private:
     SchemaSet m_set;
     std::vector<std::unique_ptr<Document>> m_documents;  // in the order they were read
     std::set<std::string> m_loaded;
-    std::map<QName, Declaration> m_complexTypes, m_simpleTypes, m_elements;
+    std::map<QName, Declaration> m_complexTypes, m_simpleTypes, m_elements, m_groups;
     std::map<CXmlElement const*, ComplexType*> m_complexBuilt;
     std::map<CXmlElement const*, SimpleType> m_simpleBuilt;
     std::set<CXmlElement const*> m_simpleInProgress;
+    std::set<CXmlElement const*> m_groupsInProgress;
     std::set<ComplexType const*> m_namedByElement;
     std::map<NamespaceModel const*, CNameScope> m_typeNames;  // classes and enums of one namespace
     CNameScope m_fileStems;

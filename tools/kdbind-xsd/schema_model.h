@@ -76,6 +76,7 @@ struct Particle {
     int minOccurs = 1;
     int maxOccurs = 1;  // -1: unbounded
     ComplexType* complex = nullptr;  // null: a simple value
+    bool grouping = false;           // complex is a model group: no tag of its own
     SimpleType simple;
     std::string property;  // C++ property name, unique in its class
 };
@@ -98,6 +99,7 @@ struct ComplexType {
     std::string className;    // C++ class, unique in its namespace
     NamespaceModel* owner = nullptr;
     GroupKind group = GroupKind::Sequence;
+    bool isGroup = false;  // a grouping class: a named or nested model group, without a tag
     std::vector<Particle> particles;
     std::vector<Attribute> attributes;
 };
