@@ -74,4 +74,31 @@ expect_unsupported '<xs:attribute name="a"><xs:simpleType><xs:list itemType="xs:
 expect_unsupported '<xs:attribute name="a"><xs:simpleType><xs:restriction base="xs:string"><xs:pattern value="([a-z]"/></xs:restriction></xs:simpleType></xs:attribute>' \
     "the pattern [([a-z]] is refused by the pattern engine"
 expect_unsupported '<xs:sequence><xs:element name="e" type="Missing"/></xs:sequence>' "unknown type [Missing]"
+# C++ names: made from schema names, collisions numbered, names of the base
+# classes avoided; the header compiles, also for a type without content.
+cat >"$work/names.xsd" <<'SCHEMA'
+<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema" targetNamespace="urn:names" xmlns="urn:names">
+  <xs:element name="item">
+    <xs:complexType>
+      <xs:sequence>
+        <xs:element name="a-b" type="xs:string"/>
+        <xs:element name="a_b" type="xs:int"/>
+        <xs:element name="elementName" type="xs:string"/>
+        <xs:element name="empty" type="Empty" minOccurs="0"/>
+      </xs:sequence>
+      <xs:attribute name="class" type="xs:string"/>
+    </xs:complexType>
+  </xs:element>
+  <xs:complexType name="item"/>
+  <xs:complexType name="Empty"/>
+</xs:schema>
+SCHEMA
+"$tool" --output-dir "$work/names" --namespace urn:names=Outer::Names "$work/names.xsd"
+for expected in "namespace Outer::Names {" "class CItem : " "class CItem2 : " "GetAB() const" "GetAB2() const" \
+    "GetElementName2() const" "GetClass() const" "class CEmpty : "; do
+    grep -qF "$expected" "$work/names/names.h" || fail "no [$expected] in the generated header"
+done
+# shellcheck disable=SC2086
+"$cxx" -std=c++17 -Wall -Wextra -Werror $flags -fsyntax-only -I "$include" "$work/names/names.cpp"
+
 echo "kdbind-xsd: all checks passed"
