@@ -41,6 +41,7 @@ expect_refused() {  # sed-expression message
 expect_refused 's|<genre>poetry</genre>||' "Failed to find a required element [genre]"
 expect_refused 's|<publisher>Small Press</publisher>||' "Failed to find a required element [Publication]"
 expect_refused 's|<genre>poetry</genre>|<genre>comic</genre>|' "Invalid value [comic] for the enumeration [Genre]"
+expect_refused 's|012345|12a|' "[12a]"
 expect_refused 's|<library |<catalogue |; s|</library>|</catalogue>|' "[catalogue]"
 
 # Constructs the compiler does not map yet: refused, with the file and the

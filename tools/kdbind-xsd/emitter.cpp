@@ -24,6 +24,7 @@ struct Property {
     Kind kind = Kind::Prim;
     bool optional = false;
     bool grouping = false;  // a grouping class, without a tag
+    bool isText = false;    // the element's simple content
     SimpleType const* simple = nullptr;
     ComplexType const* complex = nullptr;
     Particle const* particle = nullptr;    // null for an attribute
@@ -88,6 +89,15 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
             p.simple = &particle.simple;
             p.kind = particle.simple.IsEnum() ? Kind::Enum : Kind::Prim;
         }
+        properties.push_back(p);
+    }
+    if (type.hasText) {
+        Property p;
+        fill(p, type.textProperty);
+        p.schemaName = type.schemaName;
+        p.isText = true;
+        p.simple = &type.text;
+        p.kind = type.text.IsEnum() ? Kind::Enum : Kind::Prim;
         properties.push_back(p);
     }
     for (Attribute const& attribute : type.attributes) {
@@ -569,6 +579,41 @@ void EmitSetters(std::ostream& out, NamespaceModel const& ns, ComplexType const&
     }
 }
 
+// Simple content crosses as text: the engine reads and writes the element's
+// text through a string variant. The class holds the typed value, converted
+// here with the type's whitespace rule and checked against its facets.
+void EmitTextAccess(std::ostream& out, NamespaceModel const& ns, Property const& p)
+{
+    std::string const& m = p.member;
+    std::string const rule = "CWhitespaceUtils::" + p.simple->whitespace;
+    if (p.kind == Kind::Enum) {
+        std::string const e = Qualify(ns, p.simple->owner, p.simple->enumName);
+        out << "        if (readAccess)\n"
+            << "            value.SetString(" << e << "ToString(" << m << "));\n"
+            << "        else\n"
+            << "            " << m << " = static_cast<" << e << ">(\n"
+            << "                " << e << "FromString(CWhitespaceUtils::ApplyRule(" << rule
+            << ", value.GetString()).c_str()));\n"
+            << "        break;\n";
+        return;
+    }
+    std::string const suffix = GetValueKind(p.simple->itemType).variantSuffix;
+    out << "        if (readAccess) {\n"
+        << "            KdVariant typed;\n"
+        << "            typed.Set" << suffix << "(" << m << ");\n"
+        << "            value.SetString(typed.ToString());\n"
+        << "        } else {\n"
+        << "            KdVariant typed;\n"
+        << "            typed.FromString(value.GetString(), KdBind::" << p.simple->itemType << ", " << rule << ");\n";
+    if (p.simple->HasFacets())
+        out << "            KdBind::CXmlObjectHelper::CheckRestriction(GetElementName().c_str(), typed, KdBind::"
+            << p.simple->itemType << ",\n"
+            << "                                                       " << Restrictions(*p.simple) << ");\n";
+    out << "            " << m << " = typed.Get" << suffix << "();\n"
+        << "        }\n"
+        << "        break;\n";
+}
+
 void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType const& type,
                         std::vector<Property> const& properties)
 {
@@ -581,6 +626,10 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
     for (Property const& p : properties) {
         std::string const& m = p.member;
         out << "    case Property_" << p.name << ":\n";
+        if (p.isText) {
+            EmitTextAccess(out, ns, p);
+            continue;
+        }
         std::string read, write;  // statements without the trailing semicolon
         switch (p.kind) {
         case Kind::Prim: {
@@ -685,12 +734,18 @@ void EmitTables(std::ostream& out, NamespaceModel const& ns, ComplexType const& 
         << "    return m_tables.classInfo.Get([] {\n"
         << "        return new CParentElementInfo(" << GroupEnumerator(type.group) << ", "
         << (type.isGroup ? "XmlElementType_PseudoChild" : "XmlElementType_Element") << ", "
-        << Quote(type.elementName) << ", NAMESPACE, -1, " << (type.isGroup ? "false" : "true") << ", false);\n"
+        << Quote(type.elementName) << ", NAMESPACE, "
+        << (type.hasText ? "Property_" + type.textProperty : std::string("-1")) << ", "
+        << (type.isGroup ? "false" : "true") << ", false);\n"
         << "    });\n}\n\n";
 
     std::vector<std::string> elements, attributes;
-    for (Property const& p : properties)
-        (p.attribute ? attributes : elements).push_back(p.attribute ? AttributeEntry(ns, p) : ElementEntry(ns, type, p));
+    for (Property const& p : properties) {
+        if (p.attribute)
+            attributes.push_back(AttributeEntry(ns, p));
+        else if (!p.isText)
+            elements.push_back(ElementEntry(ns, type, p));
+    }
     auto table = [&](char const* getter, char const* tableName, char const* entryType,
                      std::vector<std::string> const& entries) {
         out << "KdBindData::" << entryType << "** " << c << "::" << getter << "() const\n{\n"

@@ -456,7 +456,10 @@ private:
             } else if (kind == "anyAttribute") {
                 Unsupported(doc, child, "xs:anyAttribute (untyped attributes)");
             } else if (kind == "simpleContent") {
-                Unsupported(doc, child, "simple content (xs:simpleContent)");
+                if (sawGroup)
+                    Fail(doc, child, "simple content next to a model group");
+                sawGroup = true;
+                ReadSimpleContent(doc, child, *type, properties);
             } else if (kind == "complexContent") {
                 Unsupported(doc, child, "derivation of a complex type (xs:complexContent)");
             } else {
@@ -464,6 +467,44 @@ private:
             }
         }
         return type;
+    }
+
+    // An extension of a simple type by attributes: the text becomes a
+    // property of the class.
+    void ReadSimpleContent(Document& doc, CXmlElement const* node, ComplexType& type, CNameScope& properties)
+    {
+        for (CXmlElement const* child = node->GetFirstElement(); child; child = child->GetNextSiblingElement()) {
+            if (IsXsd(child, "annotation"))
+                continue;
+            if (!IsXsd(child, "extension"))
+                Unsupported(doc, child, "xs:" + child->GetLocalName() + " of simple content");
+            std::string base;
+            if (!GetAttribute(child, "base", base))
+                Fail(doc, child, "xs:extension without a base type");
+            TypeRef const ref = ResolveType(doc, child, base);
+            if (ref.complex)
+                Unsupported(doc, child, "simple content that extends a complex type");
+            type.hasText = true;
+            type.text = ref.simple;
+            type.textProperty = properties.Unique("Value");
+            for (CXmlElement const* item = child->GetFirstElement(); item; item = item->GetNextSiblingElement()) {
+                std::string const& kind = item->GetLocalName();
+                if (item->GetNamespaceURI() != kXsd)
+                    Unsupported(doc, item, "a foreign element in xs:extension");
+                if (kind == "annotation")
+                    continue;
+                if (kind == "attribute")
+                    type.attributes.push_back(ReadAttribute(doc, item, properties));
+                else if (kind == "attributeGroup")
+                    Unsupported(doc, item, "an attribute group reference (xs:attributeGroup)");
+                else if (kind == "anyAttribute")
+                    Unsupported(doc, item, "xs:anyAttribute (untyped attributes)");
+                else
+                    Unsupported(doc, item, "xs:" + kind + " in xs:extension");
+            }
+            return;
+        }
+        Fail(doc, node, "xs:simpleContent without xs:extension");
     }
 
     // checkOccurs: the group is the content model of a complex type, whose

@@ -102,6 +102,10 @@ struct ComplexType {
     bool isGroup = false;  // a grouping class: a named or nested model group, without a tag
     std::vector<Particle> particles;
     std::vector<Attribute> attributes;
+    // Simple content: the element's text, held as a value of this type.
+    bool hasText = false;
+    SimpleType text;
+    std::string textProperty;
 };
 
 struct GlobalElement {
