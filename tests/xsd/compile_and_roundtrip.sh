@@ -75,6 +75,13 @@ expect_unsupported '<xs:attribute name="a"><xs:simpleType><xs:list itemType="xs:
 expect_unsupported '<xs:attribute name="a"><xs:simpleType><xs:restriction base="xs:string"><xs:pattern value="([a-z]"/></xs:restriction></xs:simpleType></xs:attribute>' \
     "the pattern [([a-z]] is refused by the pattern engine"
 expect_unsupported '<xs:sequence><xs:element name="e" type="Missing"/></xs:sequence>' "unknown type [Missing]"
+
+# Schemas that would make code that fails at run time: refused as well.
+expect_unsupported '<xs:attribute name="b" type="xs:boolean" default="maybe"/>' \
+    "[@name='b']: the default value [maybe] does not convert"
+expect_unsupported '<xs:sequence><xs:element name="next" type="T"/></xs:sequence>' \
+    "the type [T] must contain itself through required children"
+
 # C++ names: made from schema names, collisions numbered, names of the base
 # classes avoided; the header compiles, also for a type without content.
 cat >"$work/names.xsd" <<'SCHEMA'

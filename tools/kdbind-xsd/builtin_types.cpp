@@ -112,4 +112,25 @@ ValueKind const& GetValueKind(std::string const& itemType)
     return kValueKinds[0];
 }
 
+int ItemTypeValue(std::string const& itemType)
+{
+    for (int type = KdBind::ItemType_hexBinary; type <= KdBind::ItemType_integer; ++type)
+        if (itemType == std::string("ItemType_") + KdBind::ItemTypeName(type))
+            return type;
+    assert(!"unknown item type");
+    return KdBind::ItemType_invalid;
+}
+
+KdBind::CWhitespaceUtils::WhitespaceRule WhitespaceRuleValue(std::string const& rule)
+{
+    using KdBind::CWhitespaceUtils;
+    if (rule == "WhitespaceRule_Preserve")
+        return CWhitespaceUtils::WhitespaceRule_Preserve;
+    if (rule == "WhitespaceRule_Replace")
+        return CWhitespaceUtils::WhitespaceRule_Replace;
+    if (rule == "WhitespaceRule_Collapse")
+        return CWhitespaceUtils::WhitespaceRule_Collapse;
+    return CWhitespaceUtils::WhitespaceRule_None;
+}
+
 } // namespace KdXsd

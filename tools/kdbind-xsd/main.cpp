@@ -2,6 +2,7 @@
 //
 //   kdbind-xsd --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... [--umbrella NAME]
 //              SCHEMA.xsd...
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -26,6 +27,24 @@ int Usage(char const* program)
                  "--umbrella NAME also DIR/NAME.h and DIR/NAME.cpp, which include all the others.\n",
                  program);
     return 2;
+}
+
+// A C++ namespace as --namespace may name it: identifiers joined by "::".
+bool IsNamespaceName(std::string const& name)
+{
+    size_t start = 0;
+    while (true) {
+        size_t const end = name.find("::", start);
+        std::string const part = name.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        if (part.empty() || std::isdigit(static_cast<unsigned char>(part[0])))
+            return false;
+        for (char c : part)
+            if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_')
+                return false;
+        if (end == std::string::npos)
+            return true;
+        start = end + 2;
+    }
 }
 
 // Leaves a file that already holds the text alone, so that a build that
@@ -70,8 +89,11 @@ int main(int argc, char** argv)
         } else if (arg == "--namespace" && hasValue) {
             std::string const mapping = argv[++i];
             auto const equals = mapping.rfind('=');
-            if (equals == std::string::npos || equals + 1 == mapping.size())
-                return Usage(argv[0]);
+            if (equals == std::string::npos || !IsNamespaceName(mapping.substr(equals + 1))) {
+                std::fprintf(stderr, "%s: [%s] does not map a namespace URI to a C++ namespace\n", argv[0],
+                             mapping.c_str());
+                return 2;
+            }
             cppNamespaces[mapping.substr(0, equals)] = mapping.substr(equals + 1);
         } else if (arg == "--umbrella" && hasValue) {
             umbrella = argv[++i];

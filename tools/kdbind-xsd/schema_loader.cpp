@@ -103,15 +103,60 @@ public:
                 else if (IsXsd(child, "element"))
                     BuildGlobalElement(child, *doc);
             }
+        std::set<ComplexType const*> done;
+        for (auto const& ns : m_set.namespaces) {
+            std::vector<NamespaceModel const*> namespaces;
+            CheckNamespaceCycles(ns.get(), namespaces);
+            for (auto const& type : ns->types) {
+                std::vector<ComplexType const*> types;
+                CheckRequiredCycles(type.get(), types, done);
+            }
+        }
         return std::move(m_set);
     }
 
 private:
-    [[noreturn]] void Fail(Document const& doc, CXmlElement const* node, std::string const& message) const
+    static std::string Where(Document const& doc, CXmlElement const* node)
     {
         auto const path = doc.paths.find(node);
-        throw CSchemaError(doc.path + ": " + (path == doc.paths.end() ? std::string() : path->second) + ": " +
-                           message);
+        return doc.path + ": " + (path == doc.paths.end() ? std::string() : path->second);
+    }
+
+    [[noreturn]] void Fail(Document const& doc, CXmlElement const* node, std::string const& message) const
+    {
+        throw CSchemaError(Where(doc, node) + ": " + message);
+    }
+
+    // A class whose constructor makes a required child of its own class,
+    // directly or through others, would never finish constructing.
+    static void CheckRequiredCycles(ComplexType const* type, std::vector<ComplexType const*>& path,
+                                    std::set<ComplexType const*>& done)
+    {
+        if (done.count(type))
+            return;
+        if (std::find(path.begin(), path.end(), type) != path.end())
+            throw CSchemaError(type->location + ": the type [" + type->schemaName +
+                               "] must contain itself through required children");
+        path.push_back(type);
+        for (Particle const& particle : type->particles)
+            if (particle.complex && particle.minOccurs > 0 && particle.maxOccurs == 1 &&
+                type->group != GroupKind::Choice)
+                CheckRequiredCycles(particle.complex, path, done);
+        path.pop_back();
+        done.insert(type);
+    }
+
+    // Generated headers include the headers of the namespaces they use, so
+    // two namespaces cannot use each other.
+    static void CheckNamespaceCycles(NamespaceModel const* ns, std::vector<NamespaceModel const*>& path)
+    {
+        if (std::find(path.begin(), path.end(), ns) != path.end())
+            throw CSchemaError("the namespaces [" + path.back()->uri + "] and [" + ns->uri +
+                               "] use each other's types: this is not supported yet");
+        path.push_back(ns);
+        for (NamespaceModel const* dependency : ns->dependencies)
+            CheckNamespaceCycles(dependency, path);
+        path.pop_back();
     }
 
     [[noreturn]] void Unsupported(Document const& doc, CXmlElement const* node, std::string const& construct) const
@@ -418,6 +463,7 @@ private:
         type->schemaName = schemaName;
         type->elementName = schemaName;
         type->owner = doc.ns;
+        type->location = Where(doc, node);
         type->className = m_typeNames[doc.ns].Unique("C" + ToIdentifier(schemaName));
         doc.ns->types.push_back(std::move(owned));
         m_complexBuilt[node] = type;
@@ -601,6 +647,7 @@ private:
         type->schemaName = schemaName;
         type->elementName = schemaName;
         type->owner = doc.ns;
+        type->location = Where(doc, node);
         type->isGroup = true;
         type->className = m_typeNames[doc.ns].Unique("C" + ToIdentifier(schemaName));
         std::string const& kind = node->GetLocalName();
@@ -713,8 +760,24 @@ private:
             std::find(attribute.simple.enumeration.begin(), attribute.simple.enumeration.end(),
                       attribute.defaultValue) == attribute.simple.enumeration.end())
             Fail(doc, node, "the default value [" + attribute.defaultValue + "] is not in the enumeration");
+        if (attribute.hasDefault && !attribute.simple.IsEnum())
+            CheckDefault(doc, node, attribute.simple, attribute.defaultValue);
         attribute.property = properties.Unique(ToIdentifier(attribute.name));
         return attribute;
+    }
+
+    // A new object takes the default value through the library's own
+    // conversion; one that does not convert would fail in every constructor.
+    void CheckDefault(Document const& doc, CXmlElement const* node, SimpleType const& type,
+                      std::string const& text) const
+    {
+        try {
+            KdBind::KdVariant value;
+            value.FromString(text, static_cast<KdBind::ItemType>(ItemTypeValue(type.itemType)),
+                             WhitespaceRuleValue(type.whitespace));
+        } catch (KdBind::CKdException const& e) {
+            Fail(doc, node, "the default value [" + text + "] does not convert: " + e.GetFullMessage());
+        }
     }
 
     void BuildGlobalElement(CXmlElement const* node, Document& doc)

@@ -43,6 +43,10 @@ struct ValueKind {
 };
 ValueKind const& GetValueKind(std::string const& itemType);
 
+// The values of the enumerators the model names by text.
+int ItemTypeValue(std::string const& itemType);
+KdBind::CWhitespaceUtils::WhitespaceRule WhitespaceRuleValue(std::string const& rule);
+
 struct NamespaceModel;
 
 // A simple type after its restrictions are folded in: a value kind, a
@@ -98,6 +102,7 @@ struct ComplexType {
     std::string elementName;  // the element name a new object starts with
     std::string className;    // C++ class, unique in its namespace
     NamespaceModel* owner = nullptr;
+    std::string location;  // file and element path, for messages
     GroupKind group = GroupKind::Sequence;
     bool isGroup = false;  // a grouping class: a named or nested model group, without a tag
     std::vector<Particle> particles;
