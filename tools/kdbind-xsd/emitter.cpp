@@ -114,6 +114,29 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
     return properties;
 }
 
+// The types a class derives from, the root first.
+std::vector<ComplexType const*> BaseChain(ComplexType const& type)
+{
+    std::vector<ComplexType const*> chain;
+    for (ComplexType const* base = type.base; base; base = base->base)
+        chain.insert(chain.begin(), base);
+    return chain;
+}
+
+// The number of properties a class inherits: its own ids follow them.
+size_t InheritedPropertyCount(ComplexType const& type)
+{
+    size_t count = 0;
+    for (ComplexType const* base : BaseChain(type))
+        count += PropertiesOf(*base).size();
+    return count;
+}
+
+std::string FactoryOf(NamespaceModel const& here, ComplexType const& type)
+{
+    return Qualify(here, type.owner, "C" + type.className.substr(1) + "Factory");
+}
+
 std::string ValueType(NamespaceModel const& here, Property const& p)
 {
     if (p.kind == Kind::Enum)
@@ -143,6 +166,8 @@ std::vector<ComplexType const*> ClassOrder(NamespaceModel const& ns)
     std::function<void(ComplexType const*)> visit = [&](ComplexType const* type) {
         if (!visited.insert(type).second)
             return;
+        if (type->base)
+            visit(type->base);
         for (Particle const& particle : type->particles)
             if (particle.complex && particle.complex->owner == &ns)
                 visit(particle.complex);
@@ -320,7 +345,8 @@ void EmitClassDeclaration(std::ostream& out, NamespaceModel const& ns, ComplexTy
     out << "// ---------------------------------------------------------------------------\n"
         << "// " << type.schemaName << (type.isGroup ? ": a model group, without a tag of its own" : "") << "\n"
         << "// ---------------------------------------------------------------------------\n\n"
-        << "class " << type.className << " : public CSchemaClass {\n"
+        << "class " << type.className << " : public " << (type.base ? type.base->className : "CSchemaClass")
+        << " {\n"
         << "public:\n"
         << "    " << type.className << "();\n\n";
     for (Property const& p : properties)
@@ -334,10 +360,13 @@ void EmitClassDeclaration(std::ostream& out, NamespaceModel const& ns, ComplexTy
         << "    void Init() override;\n\n"
         << "    static CClassTables m_tables;\n";
     if (!properties.empty()) {
-        out << "\nprivate:\n    enum Property {\n";
+        // Protected: a derived class's tables name the ids it inherits.
+        size_t const first = InheritedPropertyCount(type);
+        out << "\nprotected:\n    enum Property {\n";
         for (size_t i = 0; i < properties.size(); ++i)
-            out << "        Property_" << properties[i].name << (i + 1 < properties.size() ? ",\n" : "\n");
-        out << "    };\n\n";
+            out << "        Property_" << properties[i].name << (i == 0 && first ? " = " + std::to_string(first) : "")
+                << (i + 1 < properties.size() ? ",\n" : "\n");
+        out << "    };\n\nprivate:\n";
         for (Property const& p : properties)
             out << "    " << MemberType(ns, p) << " " << p.member << ";\n";
     }
@@ -391,7 +420,18 @@ std::string EmitHeader(NamespaceModel const& ns)
         << "// Makes the object of a global element of the namespace; null for another name.\n"
         << "CSmartPtr<KdBind::CXmlObjectBase> CreateRootObject(char const* elementName);\n"
         << "// Frees the metadata tables of every class of the schema (once, at exit).\n"
-        << "void CleanMetaData();\n\n"
+        << "void CleanMetaData();\n\n";
+    for (auto const& type : ns.types) {
+        if (type->derived.empty())
+            continue;
+        out << "// Makes the " << type->schemaName << " class that an element's xsi:type names; null for\n"
+            << "// an unknown type" << (type->abstract ? " or none" : "") << ".\n"
+            << "class C" << type->className.substr(1) << "Factory : public KdBind::CClassfactoryBase {\n"
+            << "public:\n"
+            << "    static CSmartPtr<KdBind::CXmlObjectBase> CreateObject(KdBind::CXmlElement* element);\n"
+            << "};\n\n";
+    }
+    out
         << kSupport << "\n";
     for (auto const& type : ns.types)
         out << "class " << type->className << ";\n";
@@ -499,6 +539,35 @@ void EmitFactories(std::ostream& out, NamespaceModel const& ns)
     out << (first ? "    (void)elementName;\n" : "    else\n        return nullptr;\n")
         << (first ? "" : "    object->SetElementName(elementName);\n") << "    return object;\n}\n\n";
 
+    for (auto const& type : ns.types) {
+        if (type->derived.empty())
+            continue;
+        out << "CSmartPtr<CXmlObjectBase> C" << type->className.substr(1)
+            << "Factory::CreateObject(KdBind::CXmlElement* element)\n{\n"
+            << "    std::string const type = GetElementType(element);\n"
+            << "    CSmartPtr<CXmlObjectBase> object;\n";
+        if (type->abstract)
+            out << "    if (type.empty() || GetElementTypeNamespaceUri(element) != NAMESPACE)\n"
+                << "        return nullptr;\n";
+        else
+            out << "    if (type.empty())\n"
+                << "        object = new " << type->className << "();\n"
+                << "    else if (GetElementTypeNamespaceUri(element) != NAMESPACE)\n"
+                << "        return nullptr;\n";
+        std::vector<ComplexType const*> candidates;
+        if (!type->abstract)
+            candidates.push_back(type.get());
+        for (ComplexType const* derived : type->derived)
+            if (!derived->abstract)
+                candidates.push_back(derived);
+        for (ComplexType const* candidate : candidates)
+            out << "    else if (type == " << Quote(candidate->schemaName) << ")\n"
+                << "        object = new " << candidate->className << "();\n";
+        out << "    else\n        return nullptr;\n"
+            << "    object->SetElementName(element->GetLocalName().c_str());\n"
+            << "    return object;\n}\n\n";
+    }
+
     out << "void CleanMetaData()\n{\n";
     for (auto const& type : ns.types)
         out << "    " << type->className << "::m_tables.Clean();\n";
@@ -519,6 +588,8 @@ void EmitInit(std::ostream& out, NamespaceModel const& ns, ComplexType const& ty
               std::vector<Property> const& properties)
 {
     out << "void " << type.className << "::Init()\n{\n";
+    if (type.base)
+        out << "    " << type.base->className << "::Init();\n";
     for (Property const& p : properties) {
         std::string const& m = p.member;
         std::string const valueType = ValueType(ns, p);
@@ -618,7 +689,11 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
                         std::vector<Property> const& properties)
 {
     if (properties.empty()) {
-        out << "void " << type.className << "::AccessProperty(int, bool, KdVariant&) {}\n\n";
+        if (type.base)
+            out << "void " << type.className << "::AccessProperty(int propertyId, bool readAccess, KdVariant& value)\n"
+                << "{\n    " << type.base->className << "::AccessProperty(propertyId, readAccess, value);\n}\n\n";
+        else
+            out << "void " << type.className << "::AccessProperty(int, bool, KdVariant&) {}\n\n";
         return;
     }
     out << "void " << type.className << "::AccessProperty(int propertyId, bool readAccess, KdVariant& value)\n{\n"
@@ -660,6 +735,9 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
                 << "        else\n            " << write << ";\n";
         out << "        break;\n";
     }
+    if (type.base)
+        out << "    default:\n        " << type.base->className
+            << "::AccessProperty(propertyId, readAccess, value);\n        break;\n";
     out << "    }\n}\n\n";
 }
 
@@ -697,6 +775,9 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
                "FromString)";
     }
     case Kind::Class: {
+        if (!p.complex->derived.empty())
+            return "new CElementInfo" + group + "AbsCls" + occurs + "(" + head + ", XmlElementType_Element, &" +
+                   FactoryOf(ns, *p.complex) + "::CreateObject)";
         std::string const factory = std::string(", ") + ElementType(p) + ", &" +
                                     Qualify(ns, p.complex->owner, "CreateObject") + ", " + ClassIdOf(ns, *p.complex);
         if (p.optional)
@@ -734,13 +815,20 @@ void EmitTables(std::ostream& out, NamespaceModel const& ns, ComplexType const& 
         << "    return m_tables.classInfo.Get([] {\n"
         << "        return new CParentElementInfo(" << GroupEnumerator(type.group) << ", "
         << (type.isGroup ? "XmlElementType_PseudoChild" : "XmlElementType_Element") << ", "
-        << Quote(type.elementName) << ", NAMESPACE, "
+        // In a hierarchy the name is the type's: an object under another
+        // element name writes it as xsi:type.
+        << Quote(type.base || !type.derived.empty() ? type.schemaName : type.elementName) << ", NAMESPACE, "
         << (type.hasText ? "Property_" + type.textProperty : std::string("-1")) << ", "
-        << (type.isGroup ? "false" : "true") << ", false);\n"
+        << (type.isGroup ? "false" : "true") << ", " << (type.base ? "true" : "false") << ");\n"
         << "    });\n}\n\n";
 
     std::vector<std::string> elements, attributes;
-    for (Property const& p : properties) {
+    std::vector<Property> all;
+    for (ComplexType const* base : BaseChain(type))
+        for (Property const& p : PropertiesOf(*base))
+            all.push_back(p);
+    all.insert(all.end(), properties.begin(), properties.end());
+    for (Property const& p : all) {
         if (p.attribute)
             attributes.push_back(AttributeEntry(ns, p));
         else if (!p.isText)

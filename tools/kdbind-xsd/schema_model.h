@@ -105,8 +105,11 @@ struct ComplexType {
     std::string location;  // file and element path, for messages
     GroupKind group = GroupKind::Sequence;
     bool isGroup = false;  // a grouping class: a named or nested model group, without a tag
-    std::vector<Particle> particles;
-    std::vector<Attribute> attributes;
+    bool abstract = false;
+    ComplexType* base = nullptr;               // the type this one extends; its class derives from base's
+    std::vector<ComplexType const*> derived;   // every type that extends this one, directly or not
+    std::vector<Particle> particles;    // own, after the base's
+    std::vector<Attribute> attributes;  // own, after the base's
     // Simple content: the element's text, held as a value of this type.
     bool hasText = false;
     SimpleType text;
