@@ -103,6 +103,17 @@ cat >"$work/names.xsd" <<'SCHEMA'
         <xs:element name="empty" type="Empty" minOccurs="0"/>
       </xs:sequence>
       <xs:attribute name="class" type="xs:string"/>
+      <xs:attribute name="mark">
+        <xs:simpleType>
+          <xs:restriction base="xs:string">
+            <xs:enumeration value="a&quot;b"/>
+            <xs:enumeration value="c\d"/>
+            <xs:enumeration value="1x"/>
+            <xs:enumeration value="1-x"/>
+            <xs:enumeration value="été"/>
+          </xs:restriction>
+        </xs:simpleType>
+      </xs:attribute>
     </xs:complexType>
   </xs:element>
   <xs:complexType name="item"/>
@@ -111,9 +122,12 @@ cat >"$work/names.xsd" <<'SCHEMA'
 SCHEMA
 "$tool" --output-dir "$work/names" --namespace urn:names=Outer::Names "$work/names.xsd"
 for expected in "namespace Outer::Names {" "class CItem : " "class CItem2 : " "GetAB() const" "GetAB2() const" \
-    "GetElementName2() const" "GetClass() const" "class CEmpty : "; do
+    "GetElementName2() const" "GetClass() const" "class CEmpty : " \
+    "enum Mark { Mark_a_b, Mark_c_d, Mark_1x, Mark_1_x, Mark___t__ };"; do
     grep -qF "$expected" "$work/names/names.h" || fail "no [$expected] in the generated header"
 done
+expected='{"a\"b", "c\\d", "1x", "1-x", "\303\251t\303\251"}'
+grep -qF "$expected" "$work/names/names.cpp" || fail "no [$expected] in the generated source"
 # shellcheck disable=SC2086
 "$cxx" -std=c++17 -Wall -Wextra -Werror $flags -fsyntax-only -I "$include" "$work/names/names.cpp"
 

@@ -4,6 +4,7 @@
 //              SCHEMA.xsd...
 #include <cctype>
 #include <cstdio>
+#include <clocale>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -48,10 +49,12 @@ bool IsNamespaceName(std::string const& name)
 }
 
 // Leaves a file that already holds the text alone, so that a build that
-// generates at build time does not recompile what did not change.
-void WriteFile(std::filesystem::path const& path, std::string const& text)
+// generates at build time does not recompile what did not change. The
+// umbrella files are written always: a build tool takes them for the outputs
+// of the generation and must see them newer than the schemas.
+void WriteFile(std::filesystem::path const& path, std::string const& text, bool always = false)
 {
-    {
+    if (!always) {
         std::ifstream existing(path, std::ios::binary);
         if (existing) {
             std::string const old((std::istreambuf_iterator<char>(existing)), std::istreambuf_iterator<char>());
@@ -70,6 +73,11 @@ void WriteFile(std::filesystem::path const& path, std::string const& text)
 
 int main(int argc, char** argv)
 {
+    // The element tree hands text over in the process's code page. Schema
+    // names and values are written into the generated code as UTF-8, the
+    // code page of the programs that use non-ASCII text with the library.
+    if (!std::setlocale(LC_CTYPE, "C.UTF-8"))
+        std::setlocale(LC_CTYPE, "");
     std::string outputDir;
     bool roundtrip = false;
     std::string umbrella;
@@ -120,8 +128,8 @@ int main(int argc, char** argv)
         if (roundtrip)
             WriteFile(dir / "roundtrip.cpp", KdXsd::EmitRoundtripMain(set));
         if (!umbrella.empty()) {
-            WriteFile(dir / (umbrella + ".h"), KdXsd::EmitUmbrella(set, ".h"));
-            WriteFile(dir / (umbrella + ".cpp"), KdXsd::EmitUmbrella(set, ".cpp"));
+            WriteFile(dir / (umbrella + ".h"), KdXsd::EmitUmbrella(set, ".h"), true);
+            WriteFile(dir / (umbrella + ".cpp"), KdXsd::EmitUmbrella(set, ".cpp"), true);
         }
     } catch (KdXsd::CSchemaError const& e) {
         std::fprintf(stderr, "%s\n", e.what());
