@@ -103,6 +103,7 @@ cat >"$work/names.xsd" <<'SCHEMA'
         <xs:element name="empty" type="Empty" minOccurs="0"/>
       </xs:sequence>
       <xs:attribute name="class" type="xs:string"/>
+      <xs:attribute name="size"><xs:simpleType><xs:union memberTypes="xs:int xs:token"/></xs:simpleType></xs:attribute>
       <xs:attribute name="mark">
         <xs:simpleType>
           <xs:restriction base="xs:string">
@@ -122,7 +123,7 @@ cat >"$work/names.xsd" <<'SCHEMA'
 SCHEMA
 "$tool" --output-dir "$work/names" --namespace urn:names=Outer::Names "$work/names.xsd"
 for expected in "namespace Outer::Names {" "class CItem : " "class CItem2 : " "GetAB() const" "GetAB2() const" \
-    "GetElementName2() const" "GetClass() const" "class CEmpty : " \
+    "GetElementName2() const" "GetClass() const" "class CEmpty : " "std::optional<std::string> const& GetSize()" \
     "enum Mark { Mark_a_b, Mark_c_d, Mark_1x, Mark_1_x, Mark___t__ };"; do
     grep -qF "$expected" "$work/names/names.h" || fail "no [$expected] in the generated header"
 done

@@ -349,8 +349,13 @@ private:
                 return BuildRestriction(doc, child, hint);
             if (IsXsd(child, "list"))
                 Unsupported(doc, child, "xs:list (a typed value collection)");
-            if (IsXsd(child, "union"))
-                Unsupported(doc, child, "xs:union");
+            if (IsXsd(child, "union")) {
+                // Held as its text: which member type a value belongs to is
+                // not decided.
+                SimpleType text;
+                text.whitespace = "WhitespaceRule_Collapse";
+                return text;
+            }
             Unsupported(doc, child, "xs:" + child->GetLocalName() + " in a simple type");
         }
         Fail(doc, node, "a simple type without xs:restriction, xs:list or xs:union");
