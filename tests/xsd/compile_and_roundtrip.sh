@@ -75,7 +75,8 @@ expect_unsupported '<xs:sequence><xs:element name="e" type="V"/></xs:sequence>'"
     "the element [e]: a required element of an abstract type is not supported yet"
 expect_unsupported '<xs:sequence><xs:choice maxOccurs="2"/></xs:sequence>' "xs:choice[1]: a repeating model group"
 expect_unsupported '<xs:sequence><xs:group ref="G"/></xs:sequence>' "unknown model group [G]"
-expect_unsupported '<xs:sequence><xs:element ref="e"/></xs:sequence>' "an element reference"
+expect_unsupported '<xs:sequence><xs:element ref="e"/></xs:sequence>' "xs:element[1]: unknown element [e]"
+expect_unsupported '<xs:attribute ref="a"/>' "an attribute reference (xs:attribute ref) is not supported yet"
 expect_unsupported '<xs:sequence><xs:element name="v" type="xs:int" maxOccurs="2"/></xs:sequence>' \
     "[@name='v']: a repeating element of a simple type"
 expect_unsupported '<xs:attribute name="a"><xs:simpleType><xs:list itemType="xs:int"/></xs:simpleType></xs:attribute>' \

@@ -78,7 +78,7 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
         Property p;
         fill(p, particle.property);
         p.schemaName = particle.name;
-        p.nsExpr = particle.qualified ? "NAMESPACE" : "\"\"";
+        p.nsExpr = particle.qualified ? Qualify(*type.owner, particle.nsOwner, "NAMESPACE") : "\"\"";
         p.particle = &particle;
         p.optional = particle.minOccurs == 0 || type.group == GroupKind::Choice;
         p.grouping = particle.grouping;
@@ -104,7 +104,7 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
         Property p;
         fill(p, attribute.property);
         p.schemaName = attribute.name;
-        p.nsExpr = attribute.qualified ? "NAMESPACE" : "\"\"";
+        p.nsExpr = attribute.qualified ? Qualify(*type.owner, attribute.nsOwner, "NAMESPACE") : "\"\"";
         p.attribute = &attribute;
         p.optional = !attribute.required;
         p.simple = &attribute.simple;

@@ -231,21 +231,23 @@ private:
                     Unsupported(*current, child, "a schema location that is not a local file");
                 std::filesystem::path const target = std::filesystem::path(file).parent_path() / location;
                 ReadDocument(target.string(), current, child);
-            } else if (kind == "complexType" || kind == "simpleType" || kind == "element" || kind == "group") {
+            } else if (kind == "complexType" || kind == "simpleType" || kind == "element" || kind == "group" ||
+                       kind == "attributeGroup") {
                 if (!GetAttribute(child, "name", name))
                     Fail(*current, child, "a global xs:" + kind + " without a name");
                 auto& table = kind == "complexType" ? m_complexTypes
                               : kind == "simpleType" ? m_simpleTypes
                               : kind == "group"      ? m_groups
+                              : kind == "attributeGroup" ? m_attributeGroups
                                                      : m_elements;
                 if (!table.emplace(QName(targetNamespace, name), Declaration{child, current}).second)
                     Fail(*current, child, "a second global xs:" + kind + " named [" + name + "]");
             } else if (kind == "redefine" || kind == "override") {
                 Unsupported(*current, child, "xs:" + kind);
             }
-            // Annotations, and definitions of attribute groups, attributes
-            // and notations make no classes by themselves; every reference
-            // to one is refused where it stands.
+            // Annotations, and definitions of attributes and notations make
+            // no classes by themselves; every reference to one is refused
+            // where it stands.
         }
     }
 
@@ -510,7 +512,7 @@ private:
                 sawGroup = true;
                 type->particles.push_back(ReadGroupParticle(doc, child, properties));
             } else if (kind == "attributeGroup") {
-                Unsupported(doc, child, "an attribute group reference (xs:attributeGroup)");
+                ReadAttributeGroup(doc, child, properties, type->attributes);
             } else if (kind == "anyAttribute") {
                 Unsupported(doc, child, "xs:anyAttribute (untyped attributes)");
             } else if (kind == "simpleContent") {
@@ -591,7 +593,7 @@ private:
                 } else if (kind == "attribute") {
                     type.attributes.push_back(ReadAttribute(doc, item, properties));
                 } else if (kind == "attributeGroup") {
-                    Unsupported(doc, item, "an attribute group reference (xs:attributeGroup)");
+                    ReadAttributeGroup(doc, item, properties, type.attributes);
                 } else if (kind == "anyAttribute") {
                     Unsupported(doc, item, "xs:anyAttribute (untyped attributes)");
                 } else {
@@ -649,7 +651,7 @@ private:
                 if (kind == "attribute")
                     type.attributes.push_back(ReadAttribute(doc, item, properties));
                 else if (kind == "attributeGroup")
-                    Unsupported(doc, item, "an attribute group reference (xs:attributeGroup)");
+                    ReadAttributeGroup(doc, item, properties, type.attributes);
                 else if (kind == "anyAttribute")
                     Unsupported(doc, item, "xs:anyAttribute (untyped attributes)");
                 else
@@ -786,11 +788,19 @@ private:
     Particle ReadParticle(Document& doc, CXmlElement const* node, ComplexType const& owner, CNameScope& properties)
     {
         std::string value;
-        if (GetAttribute(node, "ref", value))
-            Unsupported(doc, node, "an element reference (xs:element ref)");
         Particle particle;
-        if (!GetAttribute(node, "name", particle.name))
+        std::string reference;
+        Declaration global;
+        if (GetAttribute(node, "ref", reference)) {
+            QName const name = ResolveQName(doc, node, reference);
+            auto const found = m_elements.find(name);
+            if (found == m_elements.end())
+                Fail(doc, node, "unknown element [" + reference + "]");
+            global = found->second;
+            particle.name = name.second;
+        } else if (!GetAttribute(node, "name", particle.name)) {
             Fail(doc, node, "a local xs:element without a name");
+        }
         particle.minOccurs = ReadOccurs(doc, node, "minOccurs");
         particle.maxOccurs = ReadOccurs(doc, node, "maxOccurs");
         if (particle.maxOccurs == 0)
@@ -803,8 +813,19 @@ private:
             Unsupported(doc, node, "a nillable element");
         std::string form;
         particle.qualified = GetAttribute(node, "form", form) ? form == "qualified" : doc.elementsQualified;
+        particle.nsOwner = doc.ns;
 
-        TypeRef const type = ReadTypeOf(doc, node, particle.name, true);
+        TypeRef type;
+        if (global.node) {
+            // A global element is always in its schema's namespace.
+            type = GlobalElementType(global);
+            particle.qualified = true;
+            particle.nsOwner = global.doc->ns;
+            AddDependency(doc.ns, global.doc->ns);
+            AddDependency(doc.ns, type.complex ? type.complex->owner : type.simple.owner);
+        } else {
+            type = ReadTypeOf(doc, node, particle.name, true);
+        }
         particle.complex = type.complex;
         particle.simple = type.simple;
         if (!particle.complex && particle.maxOccurs != 1)
@@ -859,6 +880,7 @@ private:
             Fail(doc, node, "a required attribute cannot have a default value");
         std::string form;
         attribute.qualified = GetAttribute(node, "form", form) ? form == "qualified" : doc.attributesQualified;
+        attribute.nsOwner = doc.ns;
         TypeRef const type = ReadTypeOf(doc, node, attribute.name, false);
         if (type.complex)
             Fail(doc, node, "the attribute [" + attribute.name + "] has a complex type");
@@ -887,8 +909,15 @@ private:
         }
     }
 
-    void BuildGlobalElement(CXmlElement const* node, Document& doc)
+    // The type of a global element, built once however often the element is
+    // referenced.
+    TypeRef GlobalElementType(Declaration const& declaration)
     {
+        auto const built = m_globalElementTypes.find(declaration.node);
+        if (built != m_globalElementTypes.end())
+            return built->second;
+        Document& doc = *declaration.doc;
+        CXmlElement const* node = declaration.node;
         std::string value;
         std::string const name = AttributeOr(node, "name");
         if (AttributeOr(node, "abstract") == "true" || AttributeOr(node, "abstract") == "1")
@@ -899,9 +928,22 @@ private:
             Unsupported(doc, node, "a default or fixed value of an element");
         if (AttributeOr(node, "nillable") == "true" || AttributeOr(node, "nillable") == "1")
             Unsupported(doc, node, "a nillable element");
+        if (!m_globalElementsInProgress.insert(node).second)
+            Fail(doc, node, "the element contains itself through its anonymous type");
         TypeRef const type = ReadTypeOf(doc, node, name, true);
+        m_globalElementsInProgress.erase(node);
+        m_globalElementTypes[node] = type;
+        return type;
+    }
+
+    // A global element of a complex type can be a document's root. One of a
+    // simple type serves references only.
+    void BuildGlobalElement(CXmlElement const* node, Document& doc)
+    {
+        std::string const name = AttributeOr(node, "name");
+        TypeRef const type = GlobalElementType({const_cast<CXmlElement*>(node), &doc});
         if (!type.complex)
-            Unsupported(doc, node, "a global element of a simple type");
+            return;
         // A new object of a named type starts out under the name of the
         // first global element of that type.
         if (m_namedByElement.insert(type.complex).second)
@@ -909,12 +951,48 @@ private:
         doc.ns->elements.push_back({name, type.complex});
     }
 
+    // The attributes of an attribute group, as if they stood in its place.
+    void ReadAttributeGroup(Document& doc, CXmlElement const* node, CNameScope& properties,
+                            std::vector<Attribute>& attributes)
+    {
+        std::string reference;
+        if (!GetAttribute(node, "ref", reference))
+            Fail(doc, node, "a local xs:attributeGroup without ref");
+        auto const found = m_attributeGroups.find(ResolveQName(doc, node, reference));
+        if (found == m_attributeGroups.end())
+            Fail(doc, node, "unknown attribute group [" + reference + "]");
+        Document& groupDoc = *found->second.doc;
+        CXmlElement const* group = found->second.node;
+        if (!m_attributeGroupsInProgress.insert(group).second)
+            Fail(doc, node, "the attribute group [" + reference + "] contains itself");
+        for (CXmlElement const* child = group->GetFirstElement(); child; child = child->GetNextSiblingElement()) {
+            if (IsXsd(child, "annotation"))
+                continue;
+            if (IsXsd(child, "attribute")) {
+                attributes.push_back(ReadAttribute(groupDoc, child, properties));
+                AddDependency(doc.ns, attributes.back().simple.owner);
+                AddDependency(doc.ns, groupDoc.ns);
+            } else if (IsXsd(child, "attributeGroup")) {
+                ReadAttributeGroup(groupDoc, child, properties, attributes);
+                AddDependency(doc.ns, groupDoc.ns);
+            } else if (IsXsd(child, "anyAttribute")) {
+                Unsupported(groupDoc, child, "xs:anyAttribute (untyped attributes)");
+            } else {
+                Fail(groupDoc, child, "xs:" + child->GetLocalName() + " in an attribute group");
+            }
+        }
+        m_attributeGroupsInProgress.erase(group);
+    }
+
     std::map<std::string, std::string> const& m_cppNamespaces;
     std::vector<std::string> m_reserved;
     SchemaSet m_set;
     std::vector<std::unique_ptr<Document>> m_documents;  // in the order they were read
     std::set<std::string> m_loaded;
-    std::map<QName, Declaration> m_complexTypes, m_simpleTypes, m_elements, m_groups;
+    std::map<QName, Declaration> m_complexTypes, m_simpleTypes, m_elements, m_groups, m_attributeGroups;
+    std::map<CXmlElement const*, TypeRef> m_globalElementTypes;
+    std::set<CXmlElement const*> m_globalElementsInProgress;
+    std::set<CXmlElement const*> m_attributeGroupsInProgress;
     std::map<CXmlElement const*, ComplexType*> m_complexBuilt;
     std::map<CXmlElement const*, SimpleType> m_simpleBuilt;
     std::set<CXmlElement const*> m_simpleInProgress;

@@ -77,6 +77,7 @@ struct ComplexType;
 struct Particle {
     std::string name;
     bool qualified = false;  // in the target namespace, else in none
+    NamespaceModel const* nsOwner = nullptr;  // whose target namespace a qualified name is in
     int minOccurs = 1;
     int maxOccurs = 1;  // -1: unbounded
     ComplexType* complex = nullptr;  // null: a simple value
@@ -88,6 +89,7 @@ struct Particle {
 struct Attribute {
     std::string name;
     bool qualified = false;
+    NamespaceModel const* nsOwner = nullptr;
     bool required = false;
     std::string defaultValue;
     bool hasDefault = false;
