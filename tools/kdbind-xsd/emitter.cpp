@@ -1,0 +1,982 @@
+#include "emitter.h"
+
+#include <cctype>
+#include <filesystem>
+#include <functional>
+#include <set>
+#include <sstream>
+
+#include "names.h"
+
+namespace KdXsd {
+
+namespace {
+
+// What a property is, which decides its member, its accessors, its
+// AccessProperty case and its metadata entry.
+enum class Kind { Prim, Enum, Class, Collection };
+
+struct Property {
+    std::string name;        // C++ property name
+    std::string member;      // m_ + name with a small first letter
+    std::string schemaName;  // element or attribute name
+    std::string nsExpr;      // NAMESPACE or ""
+    Kind kind = Kind::Prim;
+    bool optional = false;
+    bool grouping = false;  // a grouping class, without a tag
+    bool isText = false;    // the element's simple content
+    SimpleType const* simple = nullptr;
+    ComplexType const* complex = nullptr;
+    Particle const* particle = nullptr;    // null for an attribute
+    Attribute const* attribute = nullptr;  // null for an element
+};
+
+std::string Qualify(NamespaceModel const& here, NamespaceModel const* owner, std::string const& name)
+{
+    return owner == nullptr || owner == &here ? name : "::" + owner->cppNamespace + "::" + name;
+}
+
+std::string ClassIdOf(NamespaceModel const& here, ComplexType const& type)
+{
+    return Qualify(here, type.owner, "ClassId_" + type.className.substr(1));
+}
+
+// Enumerators keep the value's own spelling where C++ allows it.
+std::vector<std::string> EnumeratorNames(SimpleType const& type)
+{
+    CNameScope scope;
+    std::vector<std::string> names;
+    for (std::string const& value : type.enumeration) {
+        std::string name;
+        for (char c : value)
+            name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+        if (name.empty())
+            name = "_";
+        names.push_back(type.enumName + "_" + scope.Unique(name));
+    }
+    return names;
+}
+
+std::string EnumeratorOf(NamespaceModel const& here, SimpleType const& type, std::string const& value)
+{
+    std::vector<std::string> const names = EnumeratorNames(type);
+    for (size_t i = 0; i < type.enumeration.size(); ++i)
+        if (type.enumeration[i] == value)
+            return Qualify(here, type.owner, names[i]);
+    return Qualify(here, type.owner, names.front());
+}
+
+std::vector<Property> PropertiesOf(ComplexType const& type)
+{
+    std::vector<Property> properties;
+    auto fill = [](Property& p, std::string const& name) {
+        p.name = name;
+        p.member = "m_" + name;
+        p.member[2] = static_cast<char>(std::tolower(static_cast<unsigned char>(p.member[2])));
+    };
+    for (Particle const& particle : type.particles) {
+        Property p;
+        fill(p, particle.property);
+        p.schemaName = particle.name;
+        p.nsExpr = particle.qualified ? Qualify(*type.owner, particle.nsOwner, "NAMESPACE") : "\"\"";
+        p.particle = &particle;
+        p.optional = particle.minOccurs == 0 || type.group == GroupKind::Choice;
+        p.grouping = particle.grouping;
+        if (particle.complex) {
+            p.complex = particle.complex;
+            p.kind = particle.maxOccurs == 1 ? Kind::Class : Kind::Collection;
+        } else {
+            p.simple = &particle.simple;
+            p.kind = particle.simple.IsEnum() ? Kind::Enum : Kind::Prim;
+        }
+        properties.push_back(p);
+    }
+    if (type.hasText) {
+        Property p;
+        fill(p, type.textProperty);
+        p.schemaName = type.schemaName;
+        p.isText = true;
+        p.simple = &type.text;
+        p.kind = type.text.IsEnum() ? Kind::Enum : Kind::Prim;
+        properties.push_back(p);
+    }
+    for (Attribute const& attribute : type.attributes) {
+        Property p;
+        fill(p, attribute.property);
+        p.schemaName = attribute.name;
+        p.nsExpr = attribute.qualified ? Qualify(*type.owner, attribute.nsOwner, "NAMESPACE") : "\"\"";
+        p.attribute = &attribute;
+        p.optional = !attribute.required;
+        p.simple = &attribute.simple;
+        p.kind = attribute.simple.IsEnum() ? Kind::Enum : Kind::Prim;
+        properties.push_back(p);
+    }
+    return properties;
+}
+
+// The types a class derives from, the root first.
+std::vector<ComplexType const*> BaseChain(ComplexType const& type)
+{
+    std::vector<ComplexType const*> chain;
+    for (ComplexType const* base = type.base; base; base = base->base)
+        chain.insert(chain.begin(), base);
+    return chain;
+}
+
+// The number of properties a class inherits: its own ids follow them.
+size_t InheritedPropertyCount(ComplexType const& type)
+{
+    size_t count = 0;
+    for (ComplexType const* base : BaseChain(type))
+        count += PropertiesOf(*base).size();
+    return count;
+}
+
+std::string FactoryOf(NamespaceModel const& here, ComplexType const& type)
+{
+    return Qualify(here, type.owner, "C" + type.className.substr(1) + "Factory");
+}
+
+std::string ValueType(NamespaceModel const& here, Property const& p)
+{
+    if (p.kind == Kind::Enum)
+        return Qualify(here, p.simple->owner, p.simple->enumName);
+    if (p.kind == Kind::Prim)
+        return GetValueKind(p.simple->itemType).cppType;
+    return Qualify(here, p.complex->owner, p.complex->className);
+}
+
+std::string Restrictions(SimpleType const& t)
+{
+    if (!t.HasFacets())
+        return "CPrimitiveRestrictions()";
+    std::ostringstream out;
+    out << "CPrimitiveRestrictions(" << Quote(t.pattern) << ", " << t.minLength << ", " << t.maxLength << ", "
+        << Quote(t.minInclusive) << ", " << Quote(t.maxInclusive) << ", " << Quote(t.minExclusive) << ", "
+        << Quote(t.maxExclusive) << ", " << t.length << ")";
+    return out.str();
+}
+
+// Classes in an order where every class comes after the classes it holds;
+// a cycle is broken where it is met, the forward declarations cover it.
+std::vector<ComplexType const*> ClassOrder(NamespaceModel const& ns)
+{
+    std::vector<ComplexType const*> order;
+    std::set<ComplexType const*> visited;
+    std::function<void(ComplexType const*)> visit = [&](ComplexType const* type) {
+        if (!visited.insert(type).second)
+            return;
+        if (type->base)
+            visit(type->base);
+        for (Particle const& particle : type->particles)
+            if (particle.complex && particle.complex->owner == &ns)
+                visit(particle.complex);
+        order.push_back(type);
+    };
+    for (auto const& type : ns.types)
+        visit(type.get());
+    return order;
+}
+
+std::string GuardOf(NamespaceModel const& ns)
+{
+    std::string guard = "KDBIND_GENERATED_";
+    for (char c : ns.fileStem)
+        guard += std::isalnum(static_cast<unsigned char>(c)) ? static_cast<char>(std::toupper(c)) : '_';
+    return guard + "_H";
+}
+
+std::string Banner(NamespaceModel const& ns)
+{
+    std::string text = "// Generated by kdbind-xsd from";
+    for (std::string const& file : ns.sourceFiles)
+        text += " " + std::filesystem::path(file).filename().string();
+    return text;
+}
+
+// The pieces every generated header shares, in the namespace of its schema.
+char const* const kSupport = R"(// One metadata table of a class, built by the first thread that asks for it
+// and published only once it is complete. Take hands the table back (to be
+// freed), and the next use builds it again.
+template <class Table>
+class CLazyTable {
+public:
+    template <class Build>
+    Table Get(Build build)
+    {
+        Table table = m_table.load(std::memory_order_acquire);
+        if (!table) {
+            std::lock_guard<std::mutex> lock(m_building);
+            table = m_table.load(std::memory_order_relaxed);
+            if (!table) {
+                table = build();
+                m_table.store(table, std::memory_order_release);
+            }
+        }
+        return table;
+    }
+    Table Take()
+    {
+        std::lock_guard<std::mutex> lock(m_building);
+        return m_table.exchange(nullptr, std::memory_order_acq_rel);
+    }
+
+private:
+    std::atomic<Table> m_table{nullptr};
+    std::mutex m_building;
+};
+
+// The three tables of one class. Clean frees them, when no thread uses the
+// schema any more.
+struct CClassTables {
+    CLazyTable<KdBindData::CParentElementInfo*> classInfo;
+    CLazyTable<KdBindData::CElementInfo**> elementInfo;
+    CLazyTable<KdBindData::CAttributeInfo**> attributeInfo;
+
+    void Clean()
+    {
+        KdBindData::CParentElementInfo* info = classInfo.Take();
+        KdBindData::CElementInfo** elements = elementInfo.Take();
+        KdBindData::CAttributeInfo** attributes = attributeInfo.Take();
+        KdBind::CXmlGeneratedClass::CleanMetaData(info, elements, attributes);
+    }
+};
+
+// What every class of the schema shares: its target namespace.
+class CSchemaClass : public KdBind::CXmlGeneratedClass {
+public:
+    KdBind::CXmlObjectBase* GetBase() override { return this; }
+    std::string GetTargetNamespace() const override { return NAMESPACE; }
+    std::string GetNamespace() const override { return NAMESPACE; }
+};
+
+// The objects of a repeating element, in document order.
+template <class Item>
+class CClassCol : public KdBind::CXmlCollection {
+public:
+    CClassCol(char const* elementName, char const* ns, int minOccurs, int maxOccurs)
+        : CXmlCollection(elementName, ns, minOccurs, maxOccurs)
+    {
+    }
+
+    Item* GetAt(int index) const { return static_cast<Item*>(GetNodeAtIndex(index)->item); }
+    // The item takes the collection's element name.
+    void Add(Item* item)
+    {
+        item->SetElementName(GetElementName().c_str());
+        AppendItem(item);
+    }
+
+protected:
+    void ToXml_Int(KdBind::CXmlWriter* writer, bool, char const* ns, KdBind::CXmlSerializationContext const& context,
+                   bool) const override
+    {
+        for (CNode* node = GetHeadNode(); node; node = node->next)
+            CXmlObjectBase::ToXml_Int(node->item, writer, false, ns, context, false);
+    }
+    KdBind::CXmlElement* FromXml_Int(KdBind::CXmlElement*, KdBind::CXmlElement* cursor,
+                                     KdBind::CXmlSerializationContext const& context, bool) override
+    {
+        std::string const& name = GetElementName();
+        std::string const ns = GetNamespace();
+        while (cursor && DoesElementNameMatch(context, cursor, name.c_str(), ns.c_str())) {
+            CSmartPtr<Item> item = new Item();
+            item->SetElementName(name.c_str());
+            CXmlObjectBase::FromXml_Int(item, cursor, cursor->GetFirstElement(), context);
+            AppendItem(item);
+            cursor = cursor->GetNextSiblingElement();
+        }
+        return cursor;
+    }
+};
+)";
+
+void EmitAccessors(std::ostream& out, NamespaceModel const& ns, Property const& p)
+{
+    std::string const type = ValueType(ns, p);
+    std::string const& n = p.name;
+    std::string const& m = p.member;
+    switch (p.kind) {
+    case Kind::Prim:
+    case Kind::Enum:
+        if (p.optional) {
+            out << "    std::optional<" << type << "> const& Get" << n << "() const { return " << m << "; }\n"
+                << "    void Set" << n << "(std::optional<" << type << "> value) { " << m
+                << " = std::move(value); }\n";
+        } else if (p.kind == Kind::Prim && GetValueKind(p.simple->itemType).byReference) {
+            out << "    " << type << " const& Get" << n << "() const { return " << m << "; }\n"
+                << "    void Set" << n << "(" << type << " const& value) { " << m << " = value; }\n";
+        } else {
+            out << "    " << type << " Get" << n << "() const { return " << m << "; }\n"
+                << "    void Set" << n << "(" << type << " value) { " << m << " = value; }\n";
+        }
+        break;
+    case Kind::Class:
+        if (p.optional)
+            out << "    " << type << "* Get" << n << "() const { return " << m << "; }\n";
+        else
+            out << "    " << type << "& Get" << n << "() const { return *" << m << "; }\n";
+        out << "    void Set" << n << "(" << type << "* value);\n";
+        break;
+    case Kind::Collection:
+        out << "    CClassCol<" << type << ">& Get" << n << "() const { return *" << m << "; }\n";
+        break;
+    }
+}
+
+std::string MemberType(NamespaceModel const& ns, Property const& p)
+{
+    std::string const type = ValueType(ns, p);
+    switch (p.kind) {
+    case Kind::Prim:
+    case Kind::Enum:
+        return p.optional ? "std::optional<" + type + ">" : type;
+    case Kind::Class:
+        return "CSmartPtr<" + type + ">";
+    case Kind::Collection:
+        break;
+    }
+    return "CSmartPtr<CClassCol<" + type + ">>";
+}
+
+void EmitClassDeclaration(std::ostream& out, NamespaceModel const& ns, ComplexType const& type)
+{
+    std::vector<Property> const properties = PropertiesOf(type);
+    out << "// ---------------------------------------------------------------------------\n"
+        << "// " << type.schemaName << (type.isGroup ? ": a model group, without a tag of its own" : "") << "\n"
+        << "// ---------------------------------------------------------------------------\n\n"
+        << "class " << type.className << " : public " << (type.base ? type.base->className : "CSchemaClass")
+        << " {\n"
+        << "public:\n"
+        << "    " << type.className << "();\n\n";
+    for (Property const& p : properties)
+        EmitAccessors(out, ns, p);
+    if (!properties.empty())
+        out << "\n";
+    out << "    void AccessProperty(int propertyId, bool readAccess, KdBind::KdVariant& value) override;\n"
+        << "    KdBindData::CParentElementInfo* GetClassInfo() const override;\n"
+        << "    KdBindData::CElementInfo** GetClassElementInfo() const override;\n"
+        << "    KdBindData::CAttributeInfo** GetClassAttributeInfo() const override;\n"
+        << "    void Init() override;\n\n"
+        << "    static CClassTables m_tables;\n";
+    if (!properties.empty()) {
+        // Protected: a derived class's tables name the ids it inherits.
+        size_t const first = InheritedPropertyCount(type);
+        out << "\nprotected:\n    enum Property {\n";
+        for (size_t i = 0; i < properties.size(); ++i)
+            out << "        Property_" << properties[i].name << (i == 0 && first ? " = " + std::to_string(first) : "")
+                << (i + 1 < properties.size() ? ",\n" : "\n");
+        out << "    };\n\nprivate:\n";
+        for (Property const& p : properties)
+            out << "    " << MemberType(ns, p) << " " << p.member << ";\n";
+    }
+    out << "};\n\n";
+}
+
+void EmitEnumDeclarations(std::ostream& out, NamespaceModel const& ns)
+{
+    if (ns.enums.empty())
+        return;
+    out << "// ---------------------------------------------------------------------------\n"
+        << "// Enumerations\n"
+        << "// ---------------------------------------------------------------------------\n\n";
+    for (SimpleType const& e : ns.enums) {
+        out << "enum " << e.enumName << " {";
+        std::vector<std::string> const names = EnumeratorNames(e);
+        for (size_t i = 0; i < names.size(); ++i)
+            out << (i ? ", " : " ") << names[i];
+        out << " };\n"
+            << "char const* " << e.enumName << "ToString(int value);\n"
+            << "int " << e.enumName << "FromString(char const* text);\n\n";
+    }
+}
+
+} // namespace
+
+std::string EmitHeader(NamespaceModel const& ns)
+{
+    std::ostringstream out;
+    std::string const guard = GuardOf(ns);
+    out << Banner(ns) << "; do not edit.\n"
+        << "// Target namespace: " << (ns.uri.empty() ? "(none)" : ns.uri) << "\n"
+        << "#ifndef " << guard << "\n#define " << guard << "\n\n"
+        << "#include <atomic>\n#include <mutex>\n#include <optional>\n#include <string>\n\n"
+        << "#include <kdbind/kdbind.h>\n";
+    for (NamespaceModel const* dependency : ns.dependencies)
+        out << "#include \"" << dependency->fileStem << ".h\"\n";
+    out << "\nnamespace " << ns.cppNamespace << " {\n\n"
+        << "extern char const* const NAMESPACE;\n\n";
+    EmitEnumDeclarations(out, ns);
+
+    out << "// ---------------------------------------------------------------------------\n"
+        << "// Object creation\n"
+        << "// ---------------------------------------------------------------------------\n\n"
+        << "enum ClassId {";
+    for (size_t i = 0; i < ns.types.size(); ++i)
+        out << (i ? ", " : " ") << "ClassId_" << ns.types[i]->className.substr(1);
+    out << " };\n"
+        << "// Makes the object of a class id under an element name.\n"
+        << "CSmartPtr<KdBind::CXmlObjectBase> CreateObject(int classId, char const* elementName);\n"
+        << "// Makes the object of a global element of the namespace; null for another name.\n"
+        << "CSmartPtr<KdBind::CXmlObjectBase> CreateRootObject(char const* elementName);\n"
+        << "// Frees the metadata tables of every class of the schema (once, at exit).\n"
+        << "void CleanMetaData();\n\n";
+    for (auto const& type : ns.types) {
+        if (type->derived.empty())
+            continue;
+        out << "// Makes the " << type->schemaName << " class that an element's xsi:type names; null for\n"
+            << "// an unknown type" << (type->abstract ? " or none" : "") << ".\n"
+            << "class C" << type->className.substr(1) << "Factory : public KdBind::CClassfactoryBase {\n"
+            << "public:\n"
+            << "    static CSmartPtr<KdBind::CXmlObjectBase> CreateObject(KdBind::CXmlElement* element);\n"
+            << "};\n\n";
+    }
+    out
+        << kSupport << "\n";
+    for (auto const& type : ns.types)
+        out << "class " << type->className << ";\n";
+    out << "\n";
+    for (ComplexType const* type : ClassOrder(ns))
+        EmitClassDeclaration(out, ns, *type);
+    out << "} // namespace " << ns.cppNamespace << "\n\n#endif\n";
+    return out.str();
+}
+
+namespace {
+
+char const* const kEnumHelpers = R"(namespace {
+
+template <size_t N>
+char const* EnumToString(char const* const (&texts)[N], int value, char const* typeName)
+{
+    if (value < 0 || value >= static_cast<int>(N))
+        throw KdBind::CKdInvalidValueException(
+            KdBind::FormatString("Invalid value [%d] for the enumeration [%s]", value, typeName));
+    return texts[value];
+}
+
+template <size_t N>
+int EnumFromString(char const* const (&texts)[N], char const* text, char const* typeName)
+{
+    for (size_t i = 0; i < N; ++i)
+        if (strcmp(texts[i], text) == 0)
+            return static_cast<int>(i);
+    throw KdBind::CKdInvalidValueException(
+        KdBind::FormatString("Invalid value [%s] for the enumeration [%s]", text, typeName));
+}
+
+)";
+
+char const* GroupName(GroupKind group)
+{
+    switch (group) {
+    case GroupKind::Sequence:
+        return "Seq";
+    case GroupKind::Choice:
+        return "Choice";
+    case GroupKind::All:
+        break;
+    }
+    return "All";
+}
+
+char const* GroupEnumerator(GroupKind group)
+{
+    switch (group) {
+    case GroupKind::Sequence:
+        return "XmlElementGroupType_Sequence";
+    case GroupKind::Choice:
+        return "XmlElementGroupType_Choice";
+    case GroupKind::All:
+        break;
+    }
+    return "XmlElementGroupType_All";
+}
+
+void EmitEnumDefinitions(std::ostream& out, NamespaceModel const& ns)
+{
+    if (ns.enums.empty())
+        return;
+    out << kEnumHelpers;
+    for (SimpleType const& e : ns.enums) {
+        out << "char const* const k" << e.enumName << "Texts[] = {";
+        for (size_t i = 0; i < e.enumeration.size(); ++i)
+            out << (i ? ", " : "") << Quote(e.enumeration[i]);
+        out << "};\n";
+    }
+    out << "\n} // namespace\n\n";
+    for (SimpleType const& e : ns.enums)
+        out << "char const* " << e.enumName << "ToString(int value) { return EnumToString(k" << e.enumName
+            << "Texts, value, " << Quote(e.enumName) << "); }\n\n"
+            << "int " << e.enumName << "FromString(char const* text) { return EnumFromString(k" << e.enumName
+            << "Texts, text, " << Quote(e.enumName) << "); }\n\n";
+}
+
+void EmitFactories(std::ostream& out, NamespaceModel const& ns)
+{
+    out << "CSmartPtr<CXmlObjectBase> CreateObject(int classId, char const* elementName)\n{\n"
+        << "    CSmartPtr<CXmlObjectBase> object;\n"
+        << "    switch (classId) {\n";
+    for (auto const& type : ns.types)
+        out << "    case ClassId_" << type->className.substr(1) << ": object = new " << type->className
+            << "(); break;\n";
+    out << "    default:\n"
+        << "        throw KdBind::CKdInvalidParamException(KdBind::FormatString(\"Unknown class id [%d]\", "
+           "classId));\n"
+        << "    }\n"
+        << "    object->SetElementName(elementName);\n"
+        << "    return object;\n}\n\n";
+
+    out << "CSmartPtr<CXmlObjectBase> CreateRootObject(char const* elementName)\n{\n"
+        << "    CSmartPtr<CXmlObjectBase> object;\n";
+    bool first = true;
+    for (GlobalElement const& element : ns.elements) {
+        out << "    " << (first ? "if" : "else if") << " (strcmp(elementName, " << Quote(element.name)
+            << ") == 0)\n"
+            << "        object = new " << Qualify(ns, element.type->owner, element.type->className) << "();\n";
+        first = false;
+    }
+    out << (first ? "    (void)elementName;\n" : "    else\n        return nullptr;\n")
+        << (first ? "" : "    object->SetElementName(elementName);\n") << "    return object;\n}\n\n";
+
+    for (auto const& type : ns.types) {
+        if (type->derived.empty())
+            continue;
+        out << "CSmartPtr<CXmlObjectBase> C" << type->className.substr(1)
+            << "Factory::CreateObject(KdBind::CXmlElement* element)\n{\n"
+            << "    std::string const type = GetElementType(element);\n"
+            << "    CSmartPtr<CXmlObjectBase> object;\n";
+        if (type->abstract)
+            out << "    if (type.empty() || GetElementTypeNamespaceUri(element) != NAMESPACE)\n"
+                << "        return nullptr;\n";
+        else
+            out << "    if (type.empty())\n"
+                << "        object = new " << type->className << "();\n"
+                << "    else if (GetElementTypeNamespaceUri(element) != NAMESPACE)\n"
+                << "        return nullptr;\n";
+        std::vector<ComplexType const*> candidates;
+        if (!type->abstract)
+            candidates.push_back(type.get());
+        for (ComplexType const* derived : type->derived)
+            if (!derived->abstract)
+                candidates.push_back(derived);
+        for (ComplexType const* candidate : candidates)
+            out << "    else if (type == " << Quote(candidate->schemaName) << ")\n"
+                << "        object = new " << candidate->className << "();\n";
+        out << "    else\n        return nullptr;\n"
+            << "    object->SetElementName(element->GetLocalName().c_str());\n"
+            << "    return object;\n}\n\n";
+    }
+
+    out << "void CleanMetaData()\n{\n";
+    for (auto const& type : ns.types)
+        out << "    " << type->className << "::m_tables.Clean();\n";
+    out << "}\n\n";
+}
+
+std::string DefaultExpression(NamespaceModel const& ns, Property const& p)
+{
+    std::string const& text = p.attribute->defaultValue;
+    if (p.kind == Kind::Enum)
+        return EnumeratorOf(ns, *p.simple, text);
+    if (p.simple->itemType == "ItemType_string")
+        return "std::string(" + Quote(text) + ")";
+    return "";  // converted in Init through a variant
+}
+
+void EmitInit(std::ostream& out, NamespaceModel const& ns, ComplexType const& type,
+              std::vector<Property> const& properties)
+{
+    out << "void " << type.className << "::Init()\n{\n";
+    if (type.base)
+        out << "    " << type.base->className << "::Init();\n";
+    for (Property const& p : properties) {
+        std::string const& m = p.member;
+        std::string const valueType = ValueType(ns, p);
+        switch (p.kind) {
+        case Kind::Prim:
+        case Kind::Enum:
+            if (p.attribute && p.attribute->hasDefault) {
+                std::string const expression = DefaultExpression(ns, p);
+                if (!expression.empty()) {
+                    out << "    " << m << " = " << expression << ";\n";
+                } else {
+                    ValueKind const& kind = GetValueKind(p.simple->itemType);
+                    out << "    {\n"
+                        << "        KdVariant value;\n"
+                        << "        value.FromString(" << Quote(p.attribute->defaultValue) << ", KdBind::"
+                        << p.simple->itemType << ", CWhitespaceUtils::" << p.simple->whitespace << ");\n"
+                        << "        " << m << " = value.Get" << kind.variantSuffix << "();\n"
+                        << "    }\n";
+                }
+            } else if (p.optional) {
+                out << "    " << m << ".reset();\n";
+            } else if (p.kind == Kind::Enum) {
+                out << "    " << m << " = " << EnumeratorOf(ns, *p.simple, p.simple->enumeration.front()) << ";\n";
+            } else {
+                out << "    " << m << " = " << GetValueKind(p.simple->itemType).zero << ";\n";
+            }
+            break;
+        case Kind::Class:
+            if (p.optional) {
+                out << "    " << m << " = nullptr;\n";
+            } else {
+                out << "    " << m << " = new " << valueType << "();\n"
+                    << "    " << m << "->SetElementName(" << Quote(p.schemaName) << ");\n";
+            }
+            break;
+        case Kind::Collection:
+            out << "    " << m << " = new CClassCol<" << valueType << ">(" << Quote(p.schemaName) << ", "
+                << p.nsExpr << ", " << p.particle->minOccurs << ", " << p.particle->maxOccurs << ");\n";
+            break;
+        }
+    }
+    out << "}\n\n";
+}
+
+void EmitSetters(std::ostream& out, NamespaceModel const& ns, ComplexType const& type,
+                 std::vector<Property> const& properties)
+{
+    for (Property const& p : properties) {
+        if (p.kind != Kind::Class)
+            continue;
+        out << "void " << type.className << "::Set" << p.name << "(" << ValueType(ns, p) << "* value)\n{\n";
+        if (p.optional)
+            out << "    if (value)\n    ";
+        else
+            out << "    Throw_IfPropertyIsNull(value, " << Quote(p.schemaName) << ");\n";
+        out << "    value->SetElementName(" << Quote(p.schemaName) << ");\n"
+            << "    " << p.member << " = value;\n}\n\n";
+    }
+}
+
+// Simple content crosses as text: the engine reads and writes the element's
+// text through a string variant. The class holds the typed value, converted
+// here with the type's whitespace rule and checked against its facets.
+void EmitTextAccess(std::ostream& out, NamespaceModel const& ns, Property const& p)
+{
+    std::string const& m = p.member;
+    std::string const rule = "CWhitespaceUtils::" + p.simple->whitespace;
+    if (p.kind == Kind::Enum) {
+        std::string const e = Qualify(ns, p.simple->owner, p.simple->enumName);
+        out << "        if (readAccess)\n"
+            << "            value.SetString(" << e << "ToString(" << m << "));\n"
+            << "        else\n"
+            << "            " << m << " = static_cast<" << e << ">(\n"
+            << "                " << e << "FromString(CWhitespaceUtils::ApplyRule(" << rule
+            << ", value.GetString()).c_str()));\n"
+            << "        break;\n";
+        return;
+    }
+    std::string const suffix = GetValueKind(p.simple->itemType).variantSuffix;
+    out << "        if (readAccess) {\n"
+        << "            KdVariant typed;\n"
+        << "            typed.Set" << suffix << "(" << m << ");\n"
+        << "            value.SetString(typed.ToString());\n"
+        << "        } else {\n"
+        << "            KdVariant typed;\n"
+        << "            typed.FromString(value.GetString(), KdBind::" << p.simple->itemType << ", " << rule << ");\n";
+    if (p.simple->HasFacets())
+        out << "            KdBind::CXmlObjectHelper::CheckRestriction(GetElementName().c_str(), typed, KdBind::"
+            << p.simple->itemType << ",\n"
+            << "                                                       " << Restrictions(*p.simple) << ");\n";
+    out << "            " << m << " = typed.Get" << suffix << "();\n"
+        << "        }\n"
+        << "        break;\n";
+}
+
+void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType const& type,
+                        std::vector<Property> const& properties)
+{
+    if (properties.empty()) {
+        if (type.base)
+            out << "void " << type.className << "::AccessProperty(int propertyId, bool readAccess, KdVariant& value)\n"
+                << "{\n    " << type.base->className << "::AccessProperty(propertyId, readAccess, value);\n}\n\n";
+        else
+            out << "void " << type.className << "::AccessProperty(int, bool, KdVariant&) {}\n\n";
+        return;
+    }
+    out << "void " << type.className << "::AccessProperty(int propertyId, bool readAccess, KdVariant& value)\n{\n"
+        << "    switch (propertyId) {\n";
+    for (Property const& p : properties) {
+        std::string const& m = p.member;
+        out << "    case Property_" << p.name << ":\n";
+        if (p.isText) {
+            EmitTextAccess(out, ns, p);
+            continue;
+        }
+        std::string read, write;  // statements without the trailing semicolon
+        switch (p.kind) {
+        case Kind::Prim: {
+            std::string const suffix = GetValueKind(p.simple->itemType).variantSuffix;
+            read = "value.Set" + suffix + "(" + (p.optional ? "*" : "") + m + ")";
+            write = m + " = value.Get" + suffix + "()";
+            break;
+        }
+        case Kind::Enum:
+            read = "value.SetI4(" + std::string(p.optional ? "*" : "") + m + ")";
+            write = m + " = static_cast<" + ValueType(ns, p) + ">(value.GetI4())";
+            break;
+        case Kind::Class:
+            read = "value.SetXmlObject(" + m + ")";
+            write = "Set" + p.name + "(dynamic_cast<" + ValueType(ns, p) + "*>(value.GetXmlObject().get()))";
+            break;
+        case Kind::Collection:
+            read = "value.SetXmlCollection(" + m + ")";
+            break;
+        }
+        if (p.kind == Kind::Collection)
+            out << "        if (readAccess)\n            " << read << ";\n";
+        else if (p.optional)
+            out << "        if (!readAccess)\n            " << write << ";\n"
+                << "        else if (" << m << ")\n            " << read << ";\n";
+        else
+            out << "        if (readAccess)\n            " << read << ";\n"
+                << "        else\n            " << write << ";\n";
+        out << "        break;\n";
+    }
+    if (type.base)
+        out << "    default:\n        " << type.base->className
+            << "::AccessProperty(propertyId, readAccess, value);\n        break;\n";
+    out << "    }\n}\n\n";
+}
+
+char const* ElementType(Property const& p)
+{
+    return p.grouping ? "XmlElementType_PseudoChild" : "XmlElementType_Element";
+}
+
+// Whether a grouping class must take at least one element when it is not
+// optional: a choice whose alternatives are all required, or a sequence or
+// all with a required child.
+bool RequiresContent(ComplexType const& group)
+{
+    bool any = false, all = true;
+    for (Particle const& particle : group.particles) {
+        any = any || particle.minOccurs > 0;
+        all = all && particle.minOccurs > 0;
+    }
+    return group.group == GroupKind::Choice ? all && !group.particles.empty() : any;
+}
+
+std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Property const& p)
+{
+    std::string const group = GroupName(type.group);
+    // A choice has no mandatory alternatives: each one may be the one not taken.
+    std::string const occurs = p.kind == Kind::Collection ? "Col" : p.optional ? "Opt" : "Mnd";
+    std::string const head = Quote(p.schemaName) + ", " + p.nsExpr + ", Property_" + p.name;
+    switch (p.kind) {
+    case Kind::Prim:
+        return "new CElementInfo" + group + "Prim" + occurs + "(" + head + ", KdBind::" + p.simple->itemType +
+               ", nullptr, CWhitespaceUtils::" + p.simple->whitespace + ", " + Restrictions(*p.simple) + ")";
+    case Kind::Enum: {
+        std::string const e = Qualify(ns, p.simple->owner, p.simple->enumName);
+        return "new CElementInfo" + group + "Enum" + occurs + "(" + head + ", &" + e + "ToString, &" + e +
+               "FromString)";
+    }
+    case Kind::Class: {
+        if (!p.complex->derived.empty())
+            return "new CElementInfo" + group + "AbsCls" + occurs + "(" + head + ", XmlElementType_Element, &" +
+                   FactoryOf(ns, *p.complex) + "::CreateObject)";
+        std::string const factory = std::string(", ") + ElementType(p) + ", &" +
+                                    Qualify(ns, p.complex->owner, "CreateObject") + ", " + ClassIdOf(ns, *p.complex);
+        if (p.optional)
+            return "new CElementInfo" + group + "Cls" + occurs + "(" + head + factory + ")";
+        bool const contentRequired = p.grouping && RequiresContent(*p.complex);
+        return "new CElementInfo" + group + "Cls" + occurs + "(" + head + factory + ", " +
+               (contentRequired ? "true" : "false") + ")";
+    }
+    case Kind::Collection:
+        break;
+    }
+    return "new CElementInfo" + group + "ClsCol(" + head + ", " + ElementType(p) + ")";
+}
+
+std::string AttributeEntry(NamespaceModel const& ns, Property const& p)
+{
+    Attribute const& a = *p.attribute;
+    std::string const head = Quote(a.name) + ", " + p.nsExpr + ", Property_" + p.name + ", " +
+                             (p.optional ? "true" : "false");
+    std::string const defaultValue = a.hasDefault ? Quote(a.defaultValue) : "nullptr";
+    if (p.kind == Kind::Enum) {
+        std::string const e = Qualify(ns, p.simple->owner, p.simple->enumName);
+        return "new CAttributeInfoEnum(" + head + ", &" + e + "ToString, &" + e + "FromString, " + defaultValue +
+               ")";
+    }
+    return "new CAttributeInfoPrimitive(" + head + ", KdBind::" + p.simple->itemType + ", nullptr, CWhitespaceUtils::" +
+           p.simple->whitespace + ", " + Restrictions(*p.simple) + ", " + defaultValue + ")";
+}
+
+void EmitTables(std::ostream& out, NamespaceModel const& ns, ComplexType const& type,
+                std::vector<Property> const& properties)
+{
+    std::string const& c = type.className;
+    out << "CParentElementInfo* " << c << "::GetClassInfo() const\n{\n"
+        << "    return m_tables.classInfo.Get([] {\n"
+        << "        return new CParentElementInfo(" << GroupEnumerator(type.group) << ", "
+        << (type.isGroup ? "XmlElementType_PseudoChild" : "XmlElementType_Element") << ", "
+        // In a hierarchy the name is the type's: an object under another
+        // element name writes it as xsi:type.
+        << Quote(type.base || !type.derived.empty() ? type.schemaName : type.elementName) << ", NAMESPACE, "
+        << (type.hasText ? "Property_" + type.textProperty : std::string("-1")) << ", "
+        << (type.isGroup ? "false" : "true") << ", " << (type.base ? "true" : "false") << ");\n"
+        << "    });\n}\n\n";
+
+    std::vector<std::string> elements, attributes;
+    std::vector<Property> all;
+    for (ComplexType const* base : BaseChain(type))
+        for (Property const& p : PropertiesOf(*base))
+            all.push_back(p);
+    all.insert(all.end(), properties.begin(), properties.end());
+    for (Property const& p : all) {
+        if (p.attribute)
+            attributes.push_back(AttributeEntry(ns, p));
+        else if (!p.isText)
+            elements.push_back(ElementEntry(ns, type, p));
+    }
+    auto table = [&](char const* getter, char const* tableName, char const* entryType,
+                     std::vector<std::string> const& entries) {
+        out << "KdBindData::" << entryType << "** " << c << "::" << getter << "() const\n{\n"
+            << "    return m_tables." << tableName << ".Get([] {\n"
+            << "        return new " << entryType << "*[" << entries.size() + 1 << "]{\n";
+        for (std::string const& entry : entries)
+            out << "            " << entry << ",\n";
+        out << "            nullptr};\n    });\n}\n\n";
+    };
+    table("GetClassElementInfo", "elementInfo", "CElementInfo", elements);
+    table("GetClassAttributeInfo", "attributeInfo", "CAttributeInfo", attributes);
+}
+
+void EmitClassDefinition(std::ostream& out, NamespaceModel const& ns, ComplexType const& type)
+{
+    std::vector<Property> const properties = PropertiesOf(type);
+    std::string const& c = type.className;
+    out << "// ---------------------------------------------------------------------------\n"
+        << "// " << c << "\n"
+        << "// ---------------------------------------------------------------------------\n\n"
+        << "CClassTables " << c << "::m_tables;\n\n"
+        << c << "::" << c << "()\n{\n"
+        << "    SetElementName(" << Quote(type.elementName) << ");\n"
+        << "    Init();\n}\n\n";
+    EmitInit(out, ns, type, properties);
+    EmitSetters(out, ns, type, properties);
+    EmitAccessProperty(out, ns, type, properties);
+    EmitTables(out, ns, type, properties);
+}
+
+} // namespace
+
+std::string EmitSource(NamespaceModel const& ns)
+{
+    std::ostringstream out;
+    out << Banner(ns) << "; do not edit.\n"
+        << "#include <cstring>\n\n"
+        << "#include \"" << ns.fileStem << ".h\"\n\n"
+        << "using namespace KdBindData;\n"
+        << "using KdBind::CPrimitiveRestrictions;\n"
+        << "using KdBind::CWhitespaceUtils;\n"
+        << "using KdBind::CXmlObjectBase;\n"
+        << "using KdBind::KdVariant;\n\n"
+        << "namespace " << ns.cppNamespace << " {\n\n"
+        << "char const* const NAMESPACE = " << Quote(ns.uri) << ";\n\n";
+    EmitEnumDefinitions(out, ns);
+    EmitFactories(out, ns);
+    for (auto const& type : ns.types)
+        EmitClassDefinition(out, ns, *type);
+    out << "} // namespace " << ns.cppNamespace << "\n";
+    return out.str();
+}
+
+std::string EmitRoundtripMain(SchemaSet const& set)
+{
+    std::ostringstream out;
+    out << "// Generated by kdbind-xsd; do not edit.\n"
+        << "// Reads the document named by the argument, or standard input, into the\n"
+        << "// classes of its document element and writes it back to standard output.\n"
+        << "// A document the schemas refuse is reported with the library's message and\n"
+        << "// exit status 1.\n"
+        << "#include <cstdio>\n#include <string>\n#include <vector>\n\n";
+    for (auto const& ns : set.namespaces)
+        out << "#include \"" << ns->fileStem << ".h\"\n";
+    out << R"(
+namespace {
+
+CSmartPtr<KdBind::CXmlObjectBase> CreateRoot(std::string const& ns, char const* name)
+{
+)";
+    for (auto const& ns : set.namespaces)
+        out << "    if (ns == ::" << ns->cppNamespace << "::NAMESPACE)\n"
+            << "        return ::" << ns->cppNamespace << "::CreateRootObject(name);\n";
+    out << R"(    return nullptr;
+}
+
+bool ReadAll(FILE* file, std::vector<unsigned char>& data)
+{
+    unsigned char buffer[65536];
+    size_t count;
+    while ((count = fread(buffer, 1, sizeof buffer, file)) > 0)
+        data.insert(data.end(), buffer, buffer + count);
+    return !ferror(file);
+}
+
+void CleanMetaData()
+{
+)";
+    for (auto const& ns : set.namespaces)
+        out << "    ::" << ns->cppNamespace << "::CleanMetaData();\n";
+    out << R"(}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc > 2) {
+        fprintf(stderr, "usage: %s [DOCUMENT.xml]\n", argv[0]);
+        return 2;
+    }
+    std::vector<unsigned char> data;
+    FILE* input = argc == 2 ? fopen(argv[1], "rb") : stdin;
+    if (!input || !ReadAll(input, data)) {
+        fprintf(stderr, "%s: cannot read [%s]\n", argv[0], argc == 2 ? argv[1] : "standard input");
+        return 2;
+    }
+    if (input != stdin)
+        fclose(input);
+
+    int status = 0;
+    try {
+        KdBind::CXmlDocument document;
+        document.LoadXmlStream(data.data(), static_cast<unsigned long>(data.size()));
+        KdBind::CXmlElement* root = document.GetDocumentElement();
+        CSmartPtr<KdBind::CXmlObjectBase> object =
+            root ? CreateRoot(root->GetNamespaceURI(), root->GetLocalName().c_str()) : nullptr;
+        if (!object) {
+            fprintf(stderr, "%s: the document element [%s] in namespace [%s] is no global element of the schemas\n",
+                    argv[0], root ? root->GetLocalName().c_str() : "", root ? root->GetNamespaceURI().c_str() : "");
+            status = 1;
+        } else {
+            object->FromXmlElement(root);
+            std::string const text = object->ToXml();
+            fwrite(text.data(), 1, text.size(), stdout);
+        }
+    } catch (KdBind::CKdException const& e) {
+        fprintf(stderr, "%s: %s\n", argv[0], e.GetFullMessage().c_str());
+        status = 1;
+    }
+    CleanMetaData();
+    return status;
+}
+)";
+    return out.str();
+}
+
+std::string EmitUmbrella(SchemaSet const& set, std::string const& extension)
+{
+    std::ostringstream out;
+    out << "// Generated by kdbind-xsd; do not edit.\n";
+    for (auto const& ns : set.namespaces)
+        out << "#include \"" << ns->fileStem << extension << "\"\n";
+    return out.str();
+}
+
+} // namespace KdXsd
