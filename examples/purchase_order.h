@@ -69,8 +69,6 @@
 #ifndef KDBIND_EXAMPLE_PURCHASE_ORDER_H
 #define KDBIND_EXAMPLE_PURCHASE_ORDER_H
 
-#include <atomic>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -109,54 +107,9 @@ public:
 // Frees the metadata tables of every class of the schema (once, at exit).
 void CleanMetaData();
 
-// One metadata table of a class, built by the first thread that asks for it.
-// The table is published only once it is complete, so threads that use a
-// class for the first time at once all see the same whole table; after that
-// a read is one load. Take hands the table back (to be freed), and the next
-// use builds it again.
-template <class Table>
-class CLazyTable {
-public:
-    template <class Build>
-    Table Get(Build build)
-    {
-        Table table = m_table.load(std::memory_order_acquire);
-        if (!table) {
-            std::lock_guard<std::mutex> lock(m_building);
-            table = m_table.load(std::memory_order_relaxed);
-            if (!table) {
-                table = build();
-                m_table.store(table, std::memory_order_release);
-            }
-        }
-        return table;
-    }
-    Table Take()
-    {
-        std::lock_guard<std::mutex> lock(m_building);
-        return m_table.exchange(nullptr, std::memory_order_acq_rel);
-    }
-
-private:
-    std::atomic<Table> m_table{nullptr};
-    std::mutex m_building;
-};
-
-// The three tables of one class. Clean frees them, when no thread uses the
-// schema any more.
-struct CClassTables {
-    CLazyTable<KdBindData::CParentElementInfo*> classInfo;
-    CLazyTable<KdBindData::CElementInfo**> elementInfo;
-    CLazyTable<KdBindData::CAttributeInfo**> attributeInfo;
-
-    void Clean()
-    {
-        KdBindData::CParentElementInfo* info = classInfo.Take();
-        KdBindData::CElementInfo** elements = elementInfo.Take();
-        KdBindData::CAttributeInfo** attributes = attributeInfo.Take();
-        KdBind::CXmlGeneratedClass::CleanMetaData(info, elements, attributes);
-    }
-};
+// The three metadata tables of each class, built once on first use from any
+// thread; the library's holder.
+using KdBindData::CClassTables;
 
 // ---------------------------------------------------------------------------
 // What every class of the schema shares: its target namespace.

@@ -4,6 +4,8 @@
 #ifndef KDBIND_METADATA_H
 #define KDBIND_METADATA_H
 
+#include <atomic>
+#include <mutex>
 #include <string>
 
 #include "kdbind/binding.h"
@@ -940,6 +942,60 @@ public:
 private:
     std::string m_namespaceSpec;
     std::string m_targetNamespace;
+};
+
+// ---------------------------------------------------------------------------
+// Holders for the tables of generated classes: they are shared by every
+// thread, so they are built once and published whole.
+// ---------------------------------------------------------------------------
+
+// One metadata table of a class, built by the first thread that asks for it.
+// The table is published only once it is complete, so threads that use a
+// class for the first time at once all see the same whole table; after that
+// a read is one load. Take hands the table back (to be freed), and the next
+// use builds it again.
+template <class Table>
+class CLazyTable {
+public:
+    template <class Build>
+    Table Get(Build build)
+    {
+        Table table = m_table.load(std::memory_order_acquire);
+        if (!table) {
+            std::lock_guard<std::mutex> lock(m_building);
+            table = m_table.load(std::memory_order_relaxed);
+            if (!table) {
+                table = build();
+                m_table.store(table, std::memory_order_release);
+            }
+        }
+        return table;
+    }
+    Table Take()
+    {
+        std::lock_guard<std::mutex> lock(m_building);
+        return m_table.exchange(nullptr, std::memory_order_acq_rel);
+    }
+
+private:
+    std::atomic<Table> m_table{nullptr};
+    std::mutex m_building;
+};
+
+// The three tables of one generated class, held in a static of the class.
+// Clean frees them, when no thread uses the schema any more.
+struct CClassTables {
+    CLazyTable<CParentElementInfo*> classInfo;
+    CLazyTable<CElementInfo**> elementInfo;
+    CLazyTable<CAttributeInfo**> attributeInfo;
+
+    void Clean()
+    {
+        KdBindData::CParentElementInfo* info = classInfo.Take();
+        KdBindData::CElementInfo** elements = elementInfo.Take();
+        KdBindData::CAttributeInfo** attributes = attributeInfo.Take();
+        CXmlGeneratedClass::CleanMetaData(info, elements, attributes);
+    }
 };
 
 } // namespace KdBindData

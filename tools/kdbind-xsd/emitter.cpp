@@ -195,52 +195,9 @@ std::string Banner(NamespaceModel const& ns)
 }
 
 // The pieces every generated header shares, in the namespace of its schema.
-char const* const kSupport = R"(// One metadata table of a class, built by the first thread that asks for it
-// and published only once it is complete. Take hands the table back (to be
-// freed), and the next use builds it again.
-template <class Table>
-class CLazyTable {
-public:
-    template <class Build>
-    Table Get(Build build)
-    {
-        Table table = m_table.load(std::memory_order_acquire);
-        if (!table) {
-            std::lock_guard<std::mutex> lock(m_building);
-            table = m_table.load(std::memory_order_relaxed);
-            if (!table) {
-                table = build();
-                m_table.store(table, std::memory_order_release);
-            }
-        }
-        return table;
-    }
-    Table Take()
-    {
-        std::lock_guard<std::mutex> lock(m_building);
-        return m_table.exchange(nullptr, std::memory_order_acq_rel);
-    }
-
-private:
-    std::atomic<Table> m_table{nullptr};
-    std::mutex m_building;
-};
-
-// The three tables of one class. Clean frees them, when no thread uses the
-// schema any more.
-struct CClassTables {
-    CLazyTable<KdBindData::CParentElementInfo*> classInfo;
-    CLazyTable<KdBindData::CElementInfo**> elementInfo;
-    CLazyTable<KdBindData::CAttributeInfo**> attributeInfo;
-
-    void Clean()
-    {
-        KdBindData::CParentElementInfo* info = classInfo.Take();
-        KdBindData::CElementInfo** elements = elementInfo.Take();
-        KdBindData::CAttributeInfo** attributes = attributeInfo.Take();
-        KdBind::CXmlGeneratedClass::CleanMetaData(info, elements, attributes);
-    }
-};
+char const* const kSupport = R"(// The three metadata tables of each class, built once on first use from any
+// thread; the library's holder.
+using KdBindData::CClassTables;
 
 // What every class of the schema shares: its target namespace.
 class CSchemaClass : public KdBind::CXmlGeneratedClass {
@@ -400,7 +357,7 @@ std::string EmitHeader(NamespaceModel const& ns)
     out << Banner(ns) << "; do not edit.\n"
         << "// Target namespace: " << (ns.uri.empty() ? "(none)" : ns.uri) << "\n"
         << "#ifndef " << guard << "\n#define " << guard << "\n\n"
-        << "#include <atomic>\n#include <mutex>\n#include <optional>\n#include <string>\n\n"
+        << "#include <optional>\n#include <string>\n\n"
         << "#include <kdbind/kdbind.h>\n";
     for (NamespaceModel const* dependency : ns.dependencies)
         out << "#include \"" << dependency->fileStem << ".h\"\n";
