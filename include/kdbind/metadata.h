@@ -924,8 +924,8 @@ private:
     ToStringFunction m_toString;
 };
 
-// The xs:anyAttribute wildcard: takes every attribute whose namespace the
-// specification allows, into a CAttributeCol property. Must stand last in
+// The xs:anyAttribute wildcard: takes every attribute whose namespace its
+// namespace list (##any, ##other, ...) allows, into a CAttributeCol property. Must stand last in
 // its table, since it refuses by failing, not by passing on.
 class CAttributeInfoAny : public CAttributeInfo {
 public:

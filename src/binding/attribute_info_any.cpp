@@ -51,7 +51,7 @@ bool CAttributeInfoAny::AttributeFromXml(CXmlSerializationContext const&, CXmlGe
 {
     if (!attribute)
         return false;
-    // The name plays no part; a namespace outside the specification fails
+    // The name plays no part; a namespace outside the wildcard's list fails
     // here rather than passing the attribute on.
     TestNamespace(attribute->GetNamespaceURI(), m_namespaceSpec, m_targetNamespace);
     KdVariant value;
