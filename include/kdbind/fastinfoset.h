@@ -417,6 +417,9 @@ private:
     unsigned long Integer0To2pw20Bit2();
     unsigned long Integer1To2pw20Bit3();
     unsigned long Integer1To2pw20Bit4();
+    // The form of both: smallBits low bits for the values 1 to 2^smallBits,
+    // then two, three or four octets under a three-bit mark.
+    unsigned long Integer1To2pw20Late(unsigned smallBits, char const* failure);
     unsigned long LengthOfSequence();
 
     unsigned long NonEmptyOctetStringBit2Length();

@@ -172,55 +172,50 @@ unsigned long CFastInfosetReader::Integer0To2pw20Bit2()
 
 unsigned long CFastInfosetReader::Integer1To2pw20Bit3()
 {
-    unsigned long const octet = *m_current;
-    if (!(octet & 0x20))
-        return (octet & 0x1F) + 1;
-    switch (octet & 0x38) {
-    case 0x20: {
-        unsigned long const low = Next();
-        return (((octet & 0x07) << 8) | low) + 33;
-    }
-    case 0x28: {
-        unsigned char const* more = Move(2);
-        return (((octet & 0x07) << 16) | (static_cast<unsigned long>(more[0]) << 8) | more[1]) + 2081;
-    }
-    case 0x30: {
-        // Read back as the standard has it, so an index this library's
-        // writer put here comes back one higher.
-        unsigned char const* more = Move(3);
-        return ((static_cast<unsigned long>(more[0]) << 16) | (static_cast<unsigned long>(more[1]) << 8) |
-                more[2]) +
-               526369;
-    }
-    default:
-        Fail("Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the third bit of an "
-             "octet.");
-    }
+    return Integer1To2pw20Late(5, "Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the "
+                                  "third bit of an octet.");
 }
 
 unsigned long CFastInfosetReader::Integer1To2pw20Bit4()
 {
+    return Integer1To2pw20Late(4, "Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the "
+                                  "fourth bit of an octet.");
+}
+
+unsigned long CFastInfosetReader::Integer1To2pw20Late(unsigned smallBits, char const* failure)
+{
+    assert(smallBits == 4 || smallBits == 5);
     unsigned long const octet = *m_current;
-    if (!(octet & 0x10))
-        return (octet & 0x0F) + 1;
-    switch (octet & 0x1C) {
-    case 0x10: {
+    unsigned long const flag = 1ul << smallBits;
+    if (!(octet & flag))
+        return (octet & (flag - 1)) + 1;
+    // The three bits from the flag down tell the form; the bits below them
+    // are the value's high bits in the two shorter forms. Each form starts
+    // where the one before it ends.
+    unsigned const highBits = smallBits - 2;
+    unsigned long const highMask = (1ul << highBits) - 1;
+    unsigned long const twoOctets = flag + 1;
+    unsigned long const threeOctets = twoOctets + (1ul << (highBits + 8));
+    unsigned long const fourOctets = threeOctets + (1ul << (highBits + 16));
+    switch ((octet >> highBits) & 0x07) {
+    case 0x04: {
         unsigned long const low = Next();
-        return (((octet & 0x03) << 8) | low) + 17;
+        return (((octet & highMask) << 8) | low) + twoOctets;
     }
-    case 0x14: {
+    case 0x05: {
         unsigned char const* more = Move(2);
-        return (((octet & 0x03) << 16) | (static_cast<unsigned long>(more[0]) << 8) | more[1]) + 1041;
+        return (((octet & highMask) << 16) | (static_cast<unsigned long>(more[0]) << 8) | more[1]) + threeOctets;
     }
-    case 0x18: {
+    case 0x06: {
+        // Read back as the standard has it, so an index this library's
+        // writer put here in the third-bit form comes back one higher.
         unsigned char const* more = Move(3);
         return ((static_cast<unsigned long>(more[0]) << 16) | (static_cast<unsigned long>(more[1]) << 8) |
                 more[2]) +
-               263185;
+               fourOctets;
     }
     default:
-        Fail("Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an "
-             "octet.");
+        Fail(failure);
     }
 }
 
