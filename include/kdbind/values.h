@@ -162,6 +162,12 @@ public:
     // or memory budget is a non-match, never a hang.
     bool Matches(std::string const& value) const;
 
+    // Why PCRE2 refuses pattern after the same translation and compilation
+    // as the constructor's, without trapping; empty when it compiles. Schema
+    // compilers ask it, so that a pattern refused while generating is
+    // exactly one that would stop the process at run time.
+    static std::string Diagnose(std::string const& pattern);
+
     // The compiled form of pattern from the process-wide cache, compiled on
     // first use. Holders keep their pattern alive even if the cache drops it.
     static std::shared_ptr<CCompiledPattern const> Shared(std::string const& pattern);

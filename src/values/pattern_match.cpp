@@ -114,22 +114,46 @@ private:
     std::unordered_map<std::string, std::shared_ptr<CCompiledPattern const>> m_patterns;
 };
 
+// The one translation and compilation of a pattern, for the matcher and for
+// the probe that schema compilers ask: null when PCRE2 refuses it, with its
+// error code and the offset in the rewritten pattern.
+pcre2_code* CompilePattern(std::string pattern, int& error, PCRE2_SIZE& errorOffset)
+{
+    for (Rewrite const& rewrite : kRewrites)
+        FindReplace(pattern, rewrite.find, rewrite.replacement);
+    // Zero-terminated as a C string: a NUL ends the pattern. UTF without UCP,
+    // so that \w, \d and \s stay ASCII.
+    return pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.c_str()), PCRE2_ZERO_TERMINATED, PCRE2_UTF, &error,
+                         &errorOffset, nullptr);
+}
+
 } // namespace
 
 CCompiledPattern::CCompiledPattern(std::string pattern) : m_code(nullptr)
 {
-    for (Rewrite const& rewrite : kRewrites)
-        FindReplace(pattern, rewrite.find, rewrite.replacement);
     int error = 0;
     PCRE2_SIZE errorOffset = 0;
-    // Zero-terminated as a C string: a NUL ends the pattern. UTF without UCP,
-    // so that \w, \d and \s stay ASCII.
-    m_code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.c_str()), PCRE2_ZERO_TERMINATED, PCRE2_UTF, &error,
-                           &errorOffset, nullptr);
+    m_code = CompilePattern(std::move(pattern), error, errorOffset);
     // A refused pattern is no property of the document being processed: stop
     // at once, distinctly from any thrown failure.
     if (!m_code)
         __builtin_trap();
+}
+
+std::string CCompiledPattern::Diagnose(std::string const& pattern)
+{
+    int error = 0;
+    PCRE2_SIZE errorOffset = 0;
+    pcre2_code* const code = CompilePattern(pattern, error, errorOffset);
+    if (code) {
+        pcre2_code_free(code);
+        return std::string();
+    }
+    PCRE2_UCHAR message[256];
+    if (pcre2_get_error_message(error, message, sizeof message) < 0)
+        return "error " + std::to_string(error);
+    return reinterpret_cast<char const*>(message) + std::string(" at offset ") + std::to_string(errorOffset) +
+           " of the translated pattern";
 }
 
 CCompiledPattern::~CCompiledPattern() { pcre2_code_free(static_cast<pcre2_code*>(m_code)); }

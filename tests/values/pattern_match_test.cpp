@@ -85,4 +85,15 @@ TEST(TestRegExDeathTest, RefusedPatternsTrap)
     EXPECT_DEATH(TestRegEx("\\p{IsLatinExtended-B}", "x"), "");
 }
 
+// The probe refuses exactly what would trap, after the same rewriting: the
+// schema escapes that PCRE2 alone refuses pass, the broken block does not.
+TEST(TestRegEx, DiagnoseNamesWhatWouldTrap)
+{
+    for (char const* accepted : {"\\d{3}", "\\i\\c*", "\\p{IsBasicLatin}+", "", "a\\\\i"})
+        EXPECT_EQ(CCompiledPattern::Diagnose(accepted), "") << accepted;
+    for (char const* refused : {"(", "[a-", "\\p{IsLatinExtended-B}", "\\p{IsGreek}"})
+        EXPECT_NE(CCompiledPattern::Diagnose(refused), "") << refused;
+    EXPECT_NE(CCompiledPattern::Diagnose("(").find("offset 1"), std::string::npos);
+}
+
 } // namespace
