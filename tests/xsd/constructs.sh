@@ -6,7 +6,10 @@
 #   constructs/NAME.ok*.xml      documents that must be read; the text written
 #                                back must be read again and come back
 #                                unchanged, and equal NAME.ok*.expected if
-#                                that file exists
+#                                that file exists. A first line
+#                                <!-- roundtrip: WORD... --> passes --WORD...
+#                                to the program ("compact" for untyped content,
+#                                whose text keeps the formatting's blanks)
 #   constructs/NAME.bad*.xml     documents that must be refused; their first
 #                                line is <!-- refused: MESSAGE -->, a text the
 #                                library's message must contain
@@ -30,9 +33,12 @@ checked=0
 for document in "$dir"/*.ok*.xml; do
     [ -e "$document" ] || continue
     name=$(basename "$document" .xml)
-    "$work/roundtrip" "$document" >"$work/$name.out" 2>"$work/err.txt" ||
+    options=$(sed -n '1s/^<!-- roundtrip: \(.*\) -->$/\1/p' "$document" | sed 's/\([^ ][^ ]*\)/--\1/g')
+    # shellcheck disable=SC2086
+    "$work/roundtrip" $options "$document" >"$work/$name.out" 2>"$work/err.txt" ||
         fail "$name was refused: $(cat "$work/err.txt")"
-    "$work/roundtrip" "$work/$name.out" >"$work/$name.again" 2>"$work/err.txt" ||
+    # shellcheck disable=SC2086
+    "$work/roundtrip" $options "$work/$name.out" >"$work/$name.again" 2>"$work/err.txt" ||
         fail "$name, written back, was refused: $(cat "$work/err.txt")"
     cmp -s "$work/$name.out" "$work/$name.again" || fail "$name does not come back unchanged"
     if [ -e "$dir/$name.expected" ]; then

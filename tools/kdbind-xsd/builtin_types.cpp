@@ -12,8 +12,8 @@ char const* const kPreserve = "WhitespaceRule_Preserve";
 char const* const kReplace = "WhitespaceRule_Replace";
 char const* const kCollapse = "WhitespaceRule_Collapse";
 
-// Types derived from a built-in by a list (NMTOKENS, IDREFS, ENTITIES) are
-// held as their text: the value kinds have no list of tokens. The integer
+// The built-in lists (NMTOKENS, IDREFS, ENTITIES) are lists of tokens, held
+// like every xs:list in a value list of strings. The integer
 // types with a sign constraint but no size are held as arbitrary integers;
 // their sign is not checked.
 BuiltinType const kBuiltins[] = {
@@ -24,12 +24,12 @@ BuiltinType const kBuiltins[] = {
     {"Name", "ItemType_string", kCollapse},
     {"NCName", "ItemType_string", kCollapse},
     {"NMTOKEN", "ItemType_string", kCollapse},
-    {"NMTOKENS", "ItemType_string", kCollapse},
+    {"NMTOKENS", "ItemType_string", kCollapse, true},
     {"ID", "ItemType_string", kCollapse},
     {"IDREF", "ItemType_string", kCollapse},
-    {"IDREFS", "ItemType_string", kCollapse},
+    {"IDREFS", "ItemType_string", kCollapse, true},
     {"ENTITY", "ItemType_string", kCollapse},
-    {"ENTITIES", "ItemType_string", kCollapse},
+    {"ENTITIES", "ItemType_string", kCollapse, true},
     {"anyURI", "ItemType_string", kCollapse},
     {"QName", "ItemType_string", kCollapse},
     {"NOTATION", "ItemType_string", kCollapse},

@@ -6,6 +6,8 @@
 #include <set>
 #include <sstream>
 
+#include "emit_untyped.h"
+#include "emit_value_lists.h"
 #include "names.h"
 
 namespace KdXsd {
@@ -14,7 +16,10 @@ namespace {
 
 // What a property is, which decides its member, its accessors, its
 // AccessProperty case and its metadata entry.
-enum class Kind { Prim, Enum, Class, Collection };
+// AnyElement, AnyElements and AnyAttributes hold untyped content: a
+// CElement, a CAnyCol, a CAttributeCol. Values is a repeating element of a
+// simple type, List an xs:list value; both are held in a value list.
+enum class Kind { Prim, Enum, Class, Collection, AnyElement, AnyElements, AnyAttributes, Values, List };
 
 struct Property {
     std::string name;        // C++ property name
@@ -29,6 +34,7 @@ struct Property {
     ComplexType const* complex = nullptr;
     Particle const* particle = nullptr;    // null for an attribute
     Attribute const* attribute = nullptr;  // null for an element
+    Wildcard const* any = nullptr;         // untyped content
 };
 
 std::string Qualify(NamespaceModel const& here, NamespaceModel const* owner, std::string const& name)
@@ -82,12 +88,20 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
         p.particle = &particle;
         p.optional = particle.minOccurs == 0 || type.group == GroupKind::Choice;
         p.grouping = particle.grouping;
-        if (particle.complex) {
+        if (particle.untyped) {
+            p.any = &particle.any;
+            p.kind = particle.maxOccurs == 1 ? Kind::AnyElement : Kind::AnyElements;
+            if (particle.wildcard)
+                p.nsExpr = "\"\"";
+        } else if (particle.complex) {
             p.complex = particle.complex;
             p.kind = particle.maxOccurs == 1 ? Kind::Class : Kind::Collection;
         } else {
             p.simple = &particle.simple;
-            p.kind = particle.simple.IsEnum() ? Kind::Enum : Kind::Prim;
+            p.kind = particle.simple.list       ? Kind::List
+                     : particle.maxOccurs != 1 ? Kind::Values
+                     : particle.simple.IsEnum() ? Kind::Enum
+                                                : Kind::Prim;
         }
         properties.push_back(p);
     }
@@ -108,7 +122,12 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
         p.attribute = &attribute;
         p.optional = !attribute.required;
         p.simple = &attribute.simple;
-        p.kind = attribute.simple.IsEnum() ? Kind::Enum : Kind::Prim;
+        p.kind = attribute.simple.list ? Kind::List : attribute.simple.IsEnum() ? Kind::Enum : Kind::Prim;
+        if (attribute.wildcard) {
+            p.kind = Kind::AnyAttributes;
+            p.any = &attribute.any;
+            p.simple = nullptr;
+        }
         properties.push_back(p);
     }
     return properties;
@@ -143,6 +162,14 @@ std::string ValueType(NamespaceModel const& here, Property const& p)
         return Qualify(here, p.simple->owner, p.simple->enumName);
     if (p.kind == Kind::Prim)
         return GetValueKind(p.simple->itemType).cppType;
+    if (p.kind == Kind::AnyElement)
+        return "KdBind::CElement";
+    if (p.kind == Kind::AnyElements)
+        return "CAnyCol";
+    if (p.kind == Kind::AnyAttributes)
+        return "KdBind::CAttributeCol";
+    if (p.kind == Kind::Values || p.kind == Kind::List)
+        return ValueListClass(*p.simple);
     return Qualify(here, p.complex->owner, p.complex->className);
 }
 
@@ -269,6 +296,7 @@ void EmitAccessors(std::ostream& out, NamespaceModel const& ns, Property const& 
         }
         break;
     case Kind::Class:
+    case Kind::AnyElement:
         if (p.optional)
             out << "    " << type << "* Get" << n << "() const { return " << m << "; }\n";
         else
@@ -277,6 +305,12 @@ void EmitAccessors(std::ostream& out, NamespaceModel const& ns, Property const& 
         break;
     case Kind::Collection:
         out << "    CClassCol<" << type << ">& Get" << n << "() const { return *" << m << "; }\n";
+        break;
+    case Kind::AnyElements:
+    case Kind::AnyAttributes:
+    case Kind::Values:
+    case Kind::List:
+        out << "    " << type << "& Get" << n << "() const { return *" << m << "; }\n";
         break;
     }
 }
@@ -289,6 +323,11 @@ std::string MemberType(NamespaceModel const& ns, Property const& p)
     case Kind::Enum:
         return p.optional ? "std::optional<" + type + ">" : type;
     case Kind::Class:
+    case Kind::AnyElement:
+    case Kind::AnyElements:
+    case Kind::AnyAttributes:
+    case Kind::Values:
+    case Kind::List:
         return "CSmartPtr<" + type + ">";
     case Kind::Collection:
         break;
@@ -390,6 +429,10 @@ std::string EmitHeader(NamespaceModel const& ns)
     }
     out
         << kSupport << "\n";
+    if (UsesUntypedCollection(ns))
+        out << UntypedCollectionCode() << "\n";
+    if (UsesListValue(ns))
+        out << ListSupportCode() << "\n";
     for (auto const& type : ns.types)
         out << "class " << type->className << ";\n";
     out << "\n";
@@ -586,6 +629,33 @@ void EmitInit(std::ostream& out, NamespaceModel const& ns, ComplexType const& ty
             out << "    " << m << " = new CClassCol<" << valueType << ">(" << Quote(p.schemaName) << ", "
                 << p.nsExpr << ", " << p.particle->minOccurs << ", " << p.particle->maxOccurs << ");\n";
             break;
+        case Kind::AnyElement:
+            // A required one exists from the start, as an element of the
+            // wildcard that the application names and fills.
+            if (p.optional)
+                out << "    " << m << " = nullptr;\n";
+            else
+                out << "    " << m << " = new KdBind::CElement(" << Quote(p.particle->wildcard ? "" : p.schemaName)
+                    << ", " << Quote(WildcardNamespace(*p.any)) << ", " << Quote(p.any->spec) << ", "
+                    << WildcardTarget(ns, *p.any) << ");\n";
+            break;
+        case Kind::AnyElements:
+            out << "    " << m << " = new CAnyCol(" << Quote(p.schemaName) << ", " << Quote(WildcardNamespace(*p.any))
+                << ", " << Quote(p.any->spec) << ", " << WildcardTarget(ns, *p.any) << ", " << p.particle->minOccurs
+                << ", " << p.particle->maxOccurs << ");\n";
+            break;
+        case Kind::AnyAttributes:
+            out << "    " << m << " = new KdBind::CAttributeCol(" << Quote(WildcardNamespace(*p.any)) << ", "
+                << Quote(p.any->spec) << ", " << WildcardTarget(ns, *p.any) << ");\n";
+            break;
+        case Kind::Values:
+            out << "    " << m << " = "
+                << NewValueList(*p.simple, p.schemaName, p.nsExpr, p.particle->minOccurs, p.particle->maxOccurs)
+                << ";\n";
+            break;
+        case Kind::List:
+            out << "    " << m << " = " << NewValueList(*p.simple, p.schemaName, p.nsExpr, 0, -1) << ";\n";
+            break;
         }
     }
     out << "}\n\n";
@@ -595,6 +665,22 @@ void EmitSetters(std::ostream& out, NamespaceModel const& ns, ComplexType const&
                  std::vector<Property> const& properties)
 {
     for (Property const& p : properties) {
+        if (p.kind == Kind::AnyElement) {
+            // Held before the test, so that a refused new element is freed.
+            out << "void " << type.className << "::Set" << p.name << "(KdBind::CElement* value)\n{\n"
+                << "    CSmartPtr<KdBind::CElement> held = value;\n";
+            if (p.optional)
+                out << "    if (value)\n    ";
+            else
+                out << "    Throw_IfPropertyIsNull(value, " << Quote(p.schemaName) << ");\n";
+            out << "    KdBind::CXmlObjectHelper::TestNamespace(value->GetNamespace(), " << Quote(p.any->spec) << ", "
+                << WildcardTarget(ns, *p.any) << ");\n";
+            if (!p.particle->wildcard)
+                out << (p.optional ? "    if (value)\n    " : "") << "    value->SetName(" << Quote(p.schemaName)
+                    << ");\n";
+            out << "    " << p.member << " = value;\n}\n\n";
+            continue;
+        }
         if (p.kind != Kind::Class)
             continue;
         out << "void " << type.className << "::Set" << p.name << "(" << ValueType(ns, p) << "* value)\n{\n";
@@ -642,6 +728,29 @@ void EmitTextAccess(std::ostream& out, NamespaceModel const& ns, Property const&
         << "        break;\n";
 }
 
+// An xs:list value crosses as its text, blank-separated items that the
+// value list converts and tests one by one; the length facets count items.
+// An optional one without items is absent.
+void EmitListAccess(std::ostream& out, Property const& p)
+{
+    SimpleType const& t = *p.simple;
+    bool const counted = t.listMinLength >= 0 || t.listMaxLength >= 0 || t.listLength >= 0;
+    std::string const check = "            CheckListLength(*" + p.member + ", " + Quote(p.schemaName) + ", " +
+                              std::to_string(t.listMinLength) + ", " + std::to_string(t.listMaxLength) + ", " +
+                              std::to_string(t.listLength) + ");\n";
+    out << "        if (readAccess) {\n";
+    if (p.optional)
+        out << "            if (!" << p.member << "->GetCount())\n                break;\n";
+    if (counted)
+        out << check;
+    out << "            value.SetString(ListToString(*" << p.member << ", " << ItemToStringLambda(t) << "));\n"
+        << "        } else {\n"
+        << "            ListFromString(*" << p.member << ", value.GetString());\n";
+    if (counted)
+        out << check;
+    out << "        }\n        break;\n";
+}
+
 void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType const& type,
                         std::vector<Property> const& properties)
 {
@@ -662,6 +771,10 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
             EmitTextAccess(out, ns, p);
             continue;
         }
+        if (p.kind == Kind::List) {
+            EmitListAccess(out, p);
+            continue;
+        }
         std::string read, write;  // statements without the trailing semicolon
         switch (p.kind) {
         case Kind::Prim: {
@@ -675,14 +788,20 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
             write = m + " = static_cast<" + ValueType(ns, p) + ">(value.GetI4())";
             break;
         case Kind::Class:
+        case Kind::AnyElement:
             read = "value.SetXmlObject(" + m + ")";
             write = "Set" + p.name + "(dynamic_cast<" + ValueType(ns, p) + "*>(value.GetXmlObject().get()))";
             break;
         case Kind::Collection:
+        case Kind::AnyElements:
+        case Kind::AnyAttributes:
+        case Kind::Values:
+        case Kind::List:
             read = "value.SetXmlCollection(" + m + ")";
             break;
         }
-        if (p.kind == Kind::Collection)
+        if (p.kind == Kind::Collection || p.kind == Kind::AnyElements || p.kind == Kind::AnyAttributes ||
+            p.kind == Kind::Values)
             out << "        if (readAccess)\n            " << read << ";\n";
         else if (p.optional)
             out << "        if (!readAccess)\n            " << write << ";\n"
@@ -720,7 +839,10 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
 {
     std::string const group = GroupName(type.group);
     // A choice has no mandatory alternatives: each one may be the one not taken.
-    std::string const occurs = p.kind == Kind::Collection ? "Col" : p.optional ? "Opt" : "Mnd";
+    std::string const occurs = p.kind == Kind::Collection || p.kind == Kind::AnyElements || p.kind == Kind::Values
+                                   ? "Col"
+                               : p.optional ? "Opt"
+                                            : "Mnd";
     std::string const head = Quote(p.schemaName) + ", " + p.nsExpr + ", Property_" + p.name;
     switch (p.kind) {
     case Kind::Prim:
@@ -743,7 +865,27 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
         return "new CElementInfo" + group + "Cls" + occurs + "(" + head + factory + ", " +
                (contentRequired ? "true" : "false") + ")";
     }
+    case Kind::AnyElement: {
+        std::string const wildcard = Quote(p.any->spec) + ", " + WildcardTarget(ns, *p.any) + ")";
+        if (p.optional)
+            return "new CElementInfo" + group + "UntpdOpt(" + head + ", " + wildcard;
+        // The namespace of the entry only names the wildcard in the message
+        // of a missing element; the element tests its namespace itself.
+        std::string const described =
+            p.particle->wildcard ? Quote(WildcardDescription(*p.any)) : p.nsExpr;
+        return "new CElementInfo" + group + "UntpdMnd(" + Quote(p.schemaName) + ", " + described + ", Property_" +
+               p.name + ", " + wildcard;
+    }
+    case Kind::AnyElements:
+        return "new CElementInfo" + group + "UntpdCol(" + head + ")";
+    case Kind::Values:
+        return "new CElementInfo" + group + "PrimCol(" + head + ")";
+    case Kind::List:
+        return "new CElementInfo" + group + "Prim" + occurs + "(" + head +
+               ", KdBind::ItemType_string, nullptr, CWhitespaceUtils::WhitespaceRule_Collapse, "
+               "CPrimitiveRestrictions())";
     case Kind::Collection:
+    case Kind::AnyAttributes:
         break;
     }
     return "new CElementInfo" + group + "ClsCol(" + head + ", " + ElementType(p) + ")";
@@ -752,9 +894,16 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
 std::string AttributeEntry(NamespaceModel const& ns, Property const& p)
 {
     Attribute const& a = *p.attribute;
+    if (a.wildcard)
+        return "new CAttributeInfoAny(\"\", \"\", Property_" + p.name + ", true, " + Quote(a.any.spec) + ", " +
+               WildcardTarget(ns, a.any) + ", nullptr)";
     std::string const head = Quote(a.name) + ", " + p.nsExpr + ", Property_" + p.name + ", " +
                              (p.optional ? "true" : "false");
     std::string const defaultValue = a.hasDefault ? Quote(a.defaultValue) : "nullptr";
+    if (p.kind == Kind::List)
+        return "new CAttributeInfoPrimitive(" + head +
+               ", KdBind::ItemType_string, nullptr, CWhitespaceUtils::WhitespaceRule_Collapse, "
+               "CPrimitiveRestrictions(), nullptr)";
     if (p.kind == Kind::Enum) {
         std::string const e = Qualify(ns, p.simple->owner, p.simple->enumName);
         return "new CAttributeInfoEnum(" + head + ", &" + e + "ToString, &" + e + "FromString, " + defaultValue +
@@ -785,12 +934,16 @@ void EmitTables(std::ostream& out, NamespaceModel const& ns, ComplexType const& 
         for (Property const& p : PropertiesOf(*base))
             all.push_back(p);
     all.insert(all.end(), properties.begin(), properties.end());
+    std::vector<std::string> wildcards;
     for (Property const& p : all) {
         if (p.attribute)
-            attributes.push_back(AttributeEntry(ns, p));
+            (p.kind == Kind::AnyAttributes ? wildcards : attributes).push_back(AttributeEntry(ns, p));
         else if (!p.isText)
             elements.push_back(ElementEntry(ns, type, p));
     }
+    // An attribute wildcard refuses what reaches it, so it stands last,
+    // behind the attributes a derived class adds.
+    attributes.insert(attributes.end(), wildcards.begin(), wildcards.end());
     auto table = [&](char const* getter, char const* tableName, char const* entryType,
                      std::vector<std::string> const& entries) {
         out << "KdBindData::" << entryType << "** " << c << "::" << getter << "() const\n{\n"
@@ -850,6 +1003,8 @@ std::string EmitRoundtripMain(SchemaSet const& set)
     out << "// Generated by kdbind-xsd; do not edit.\n"
         << "// Reads the document named by the argument, or standard input, into the\n"
         << "// classes of its document element and writes it back to standard output.\n"
+        << "// The input may be text or Fast Infoset, either one compressed; the output\n"
+        << "// is formatted text unless the options ask for another form.\n"
         << "// A document the schemas refuse is reported with the library's message and\n"
         << "// exit status 1.\n"
         << "#include <cstdio>\n#include <string>\n#include <vector>\n\n";
@@ -885,16 +1040,42 @@ void CleanMetaData()
 
 } // namespace
 
+int Usage(char const* program)
+{
+    fprintf(stderr,
+            "usage: %s [--compact] [--fast-infoset] [--gzip | --zlib] [DOCUMENT]\n"
+            "Reads DOCUMENT (or standard input): XML text or Fast Infoset, either one\n"
+            "optionally compressed with gzip or zlib. Writes it back to standard output\n"
+            "as formatted XML text; --compact writes text without formatting,\n"
+            "--fast-infoset writes Fast Infoset, --gzip and --zlib compress the output.\n",
+            program);
+    return 2;
+}
+
 int main(int argc, char** argv)
 {
-    if (argc > 2) {
-        fprintf(stderr, "usage: %s [DOCUMENT.xml]\n", argv[0]);
-        return 2;
+    bool compact = false, fastInfoset = false;
+    KdBind::CompressionType compression = KdBind::CompressionType_None;
+    char const* path = nullptr;
+    for (int i = 1; i < argc; ++i) {
+        std::string const arg = argv[i];
+        if (arg == "--compact")
+            compact = true;
+        else if (arg == "--fast-infoset")
+            fastInfoset = true;
+        else if (arg == "--gzip" && compression == KdBind::CompressionType_None)
+            compression = KdBind::CompressionType_GZip;
+        else if (arg == "--zlib" && compression == KdBind::CompressionType_None)
+            compression = KdBind::CompressionType_ZLib;
+        else if (arg.empty() || arg[0] == '-' || path)
+            return Usage(argv[0]);
+        else
+            path = argv[i];
     }
     std::vector<unsigned char> data;
-    FILE* input = argc == 2 ? fopen(argv[1], "rb") : stdin;
+    FILE* input = path ? fopen(path, "rb") : stdin;
     if (!input || !ReadAll(input, data)) {
-        fprintf(stderr, "%s: cannot read [%s]\n", argv[0], argc == 2 ? argv[1] : "standard input");
+        fprintf(stderr, "%s: cannot read [%s]\n", argv[0], path ? path : "standard input");
         return 2;
     }
     if (input != stdin)
@@ -913,8 +1094,18 @@ int main(int argc, char** argv)
             status = 1;
         } else {
             object->FromXmlElement(root);
-            std::string const text = object->ToXml();
-            fwrite(text.data(), 1, text.size(), stdout);
+            if (fastInfoset || compression != KdBind::CompressionType_None) {
+                KdBind::CBinaryData const bytes =
+                    fastInfoset ? object->ToFastInfosetStream(KdBind::FInfoDecl_10_Encoding,
+                                                              KdBind::CXmlSerializationContext::m_defaultContext,
+                                                              compression)
+                                : object->ToXmlStream(true, !compact, KdBind::XmlEncoding_UTF8, KdBind::EOLType_LF,
+                                                      KdBind::CXmlSerializationContext::m_defaultContext, compression);
+                fwrite(bytes.GetData(), 1, bytes.GetLength(), stdout);
+            } else {
+                std::string const text = object->ToXml(true, !compact);
+                fwrite(text.data(), 1, text.size(), stdout);
+            }
         }
     } catch (KdBind::CKdException const& e) {
         fprintf(stderr, "%s: %s\n", argv[0], e.GetFullMessage().c_str());

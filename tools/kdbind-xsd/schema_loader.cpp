@@ -11,9 +11,6 @@
 #include <filesystem>
 #include <set>
 
-#define PCRE2_CODE_UNIT_WIDTH 8
-#include <pcre2.h>
-
 #include "names.h"
 #include "schema_model.h"
 
@@ -297,6 +294,7 @@ private:
     struct TypeRef {
         ComplexType* complex = nullptr;
         SimpleType simple;
+        bool untyped = false;  // xs:anyType: any content, held as an untyped element
     };
 
     TypeRef ResolveType(Document& doc, CXmlElement const* node, std::string const& text)
@@ -304,13 +302,16 @@ private:
         QName const name = ResolveQName(doc, node, text);
         TypeRef result;
         if (name.first == kXsd) {
-            if (name.second == "anyType")
-                Unsupported(doc, node, "xs:anyType (untyped content)");
+            if (name.second == "anyType") {
+                result.untyped = true;
+                return result;
+            }
             BuiltinType const* builtin = FindBuiltinType(name.second);
             if (!builtin)
                 Unsupported(doc, node, "the built-in type xs:" + name.second);
             result.simple.itemType = builtin->itemType;
             result.simple.whitespace = builtin->whitespace;
+            result.simple.list = builtin->list;
             return result;
         }
         auto const complex = m_complexTypes.find(name);
@@ -350,7 +351,7 @@ private:
             if (IsXsd(child, "restriction"))
                 return BuildRestriction(doc, child, hint);
             if (IsXsd(child, "list"))
-                Unsupported(doc, child, "xs:list (a typed value collection)");
+                return BuildList(doc, child, hint);
             if (IsXsd(child, "union")) {
                 // Held as its text: which member type a value belongs to is
                 // not decided.
@@ -363,13 +364,39 @@ private:
         Fail(doc, node, "a simple type without xs:restriction, xs:list or xs:union");
     }
 
+    // A list of the item type: the item's facets test each item.
+    SimpleType BuildList(Document& doc, CXmlElement const* node, std::string const& hint)
+    {
+        SimpleType item;
+        std::string itemType;
+        if (GetAttribute(node, "itemType", itemType)) {
+            TypeRef const ref = ResolveType(doc, node, itemType);
+            if (ref.complex || ref.untyped)
+                Fail(doc, node, "a list of the complex type [" + itemType + "]");
+            item = ref.simple;
+        } else {
+            CXmlElement const* inner = node->GetFirstElement();
+            while (inner && IsXsd(inner, "annotation"))
+                inner = inner->GetNextSiblingElement();
+            if (!inner || !IsXsd(inner, "simpleType"))
+                Fail(doc, node, "xs:list without an item type");
+            item = BuildSimple(doc, inner, hint + "Item");
+        }
+        if (item.list)
+            Fail(doc, node, "a list of a list type");
+        if (item.IsEnum())
+            Unsupported(doc, node, "a list of an enumeration type (the value lists have no enumeration facet)");
+        item.list = true;
+        return item;
+    }
+
     SimpleType BuildRestriction(Document& doc, CXmlElement const* node, std::string const& hint)
     {
         SimpleType type;
         std::string base;
         if (GetAttribute(node, "base", base)) {
             TypeRef const ref = ResolveType(doc, node, base);
-            if (ref.complex)
+            if (ref.complex || ref.untyped)
                 Fail(doc, node, "a simple type restricts the complex type [" + base + "]");
             type = ref.simple;
         }
@@ -390,6 +417,17 @@ private:
             }
             if (!GetAttribute(facet, "value", value))
                 Fail(doc, facet, "the facet xs:" + kind + " has no value");
+            if (type.list) {
+                // The facets of a list type: lengths count its items.
+                if (kind == "length" || kind == "minLength" || kind == "maxLength") {
+                    int const number = ParseCount(doc, facet, value);
+                    (kind == "length" ? type.listLength : kind == "minLength" ? type.listMinLength
+                                                                             : type.listMaxLength) = number;
+                } else if (kind != "whiteSpace" || value != "collapse") {
+                    Unsupported(doc, facet, "the facet xs:" + kind + " on a list type");
+                }
+                continue;
+            }
             if (kind == "enumeration") {
                 enumeration.push_back(value);
             } else if (kind == "pattern") {
@@ -441,22 +479,14 @@ private:
         return std::stoi(text);
     }
 
-    // The library compiles patterns when a value is first checked, and a
-    // pattern it refuses there stops the process; refuse it here instead.
+    // The library compiles a pattern when a value is first checked, and a
+    // pattern it refuses there stops the process; refuse it here instead,
+    // asking the library's own translation and compilation.
     void CheckPattern(Document const& doc, CXmlElement const* node, std::string const& pattern) const
     {
-        int errorCode = 0;
-        PCRE2_SIZE offset = 0;
-        pcre2_code* code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.c_str()), pattern.size(), PCRE2_UTF,
-                                         &errorCode, &offset, nullptr);
-        if (code) {
-            pcre2_code_free(code);
-            return;
-        }
-        PCRE2_UCHAR buffer[256];
-        pcre2_get_error_message(errorCode, buffer, sizeof buffer);
-        Fail(doc, node, "the pattern [" + pattern + "] is refused by the pattern engine at offset " +
-                            std::to_string(offset) + ": " + reinterpret_cast<char const*>(buffer));
+        std::string const refusal = KdBind::CCompiledPattern::Diagnose(pattern);
+        if (!refusal.empty())
+            Fail(doc, node, "the pattern [" + pattern + "] is refused by the pattern engine: " + refusal);
     }
 
     ComplexType* BuildNamedComplex(Declaration const& declaration)
@@ -514,7 +544,7 @@ private:
             } else if (kind == "attributeGroup") {
                 ReadAttributeGroup(doc, child, properties, type->attributes);
             } else if (kind == "anyAttribute") {
-                Unsupported(doc, child, "xs:anyAttribute (untyped attributes)");
+                type->attributes.push_back(ReadAnyAttribute(doc, child, properties));
             } else if (kind == "simpleContent") {
                 if (sawGroup)
                     Fail(doc, child, "simple content next to a model group");
@@ -530,6 +560,7 @@ private:
             }
         }
         m_complexInProgress.erase(type);
+        CheckAttributeWildcards(*type);
         return type;
     }
 
@@ -550,6 +581,8 @@ private:
             if (!GetAttribute(child, "base", baseName))
                 Fail(doc, child, "xs:extension without a base type");
             TypeRef const ref = ResolveType(doc, child, baseName);
+            if (ref.untyped)
+                Unsupported(doc, child, "an extension of xs:anyType");
             if (!ref.complex)
                 Fail(doc, child, "xs:complexContent extends the simple type [" + baseName + "]");
             ComplexType* base = ref.complex;
@@ -595,7 +628,7 @@ private:
                 } else if (kind == "attributeGroup") {
                     ReadAttributeGroup(doc, item, properties, type.attributes);
                 } else if (kind == "anyAttribute") {
-                    Unsupported(doc, item, "xs:anyAttribute (untyped attributes)");
+                    type.attributes.push_back(ReadAnyAttribute(doc, item, properties));
                 } else {
                     Unsupported(doc, item, "xs:" + kind + " in xs:extension");
                 }
@@ -637,8 +670,10 @@ private:
             if (!GetAttribute(child, "base", base))
                 Fail(doc, child, "xs:extension without a base type");
             TypeRef const ref = ResolveType(doc, child, base);
-            if (ref.complex)
+            if (ref.complex || ref.untyped)
                 Unsupported(doc, child, "simple content that extends a complex type");
+            if (ref.simple.list)
+                Unsupported(doc, child, "simple content of a list type");
             type.hasText = true;
             type.text = ref.simple;
             type.textProperty = properties.Unique("Value");
@@ -653,7 +688,7 @@ private:
                 else if (kind == "attributeGroup")
                     ReadAttributeGroup(doc, item, properties, type.attributes);
                 else if (kind == "anyAttribute")
-                    Unsupported(doc, item, "xs:anyAttribute (untyped attributes)");
+                    type.attributes.push_back(ReadAnyAttribute(doc, item, properties));
                 else
                     Unsupported(doc, item, "xs:" + kind + " in xs:extension");
             }
@@ -682,7 +717,7 @@ private:
             else if (kind == "sequence" || kind == "choice" || kind == "all" || kind == "group")
                 type.particles.push_back(ReadGroupParticle(doc, child, properties, &type));
             else if (kind == "any")
-                Unsupported(doc, child, "xs:any (untyped content)");
+                type.particles.push_back(ReadWildcardParticle(doc, child, type, properties));
             else
                 Unsupported(doc, child, "xs:" + kind + " in a model group");
         }
@@ -828,12 +863,85 @@ private:
         }
         particle.complex = type.complex;
         particle.simple = type.simple;
-        if (!particle.complex && particle.maxOccurs != 1)
-            Unsupported(doc, node, "a repeating element of a simple type (a typed value collection)");
+        if (type.untyped) {
+            // Exactly the element's own namespace: its own target namespace
+            // when qualified, none when not.
+            particle.untyped = true;
+            particle.any.spec = particle.qualified ? "##targetNamespace" : "##local";
+            particle.any.target = particle.qualified ? particle.nsOwner->uri : doc.ns->uri;
+        }
+        if (!particle.complex && !particle.untyped && particle.maxOccurs != 1) {
+            if (particle.simple.IsEnum())
+                Unsupported(doc, node, "a repeating element of an enumeration type (the value lists have no "
+                                       "enumeration facet)");
+            if (particle.simple.list)
+                Unsupported(doc, node, "a repeating element of a list type");
+        }
         if (owner.group == GroupKind::All && particle.maxOccurs != 1)
             Fail(doc, node, "an element of xs:all may occur at most once");
         particle.property = properties.Unique(ToIdentifier(particle.name));
         return particle;
+    }
+
+    // processContents says how far the content should be validated. It is
+    // kept as it stands, untyped: none of the three validates it.
+    Wildcard ReadWildcard(Document const& doc, CXmlElement const* node) const
+    {
+        std::string value;
+        if (GetAttribute(node, "notNamespace", value) || GetAttribute(node, "notQName", value))
+            Unsupported(doc, node, "an XML Schema 1.1 wildcard (notNamespace, notQName)");
+        std::string const process = AttributeOr(node, "processContents", "strict");
+        if (process != "strict" && process != "lax" && process != "skip")
+            Fail(doc, node, "unknown processContents value [" + process + "]");
+        Wildcard wildcard;
+        std::string const refusal = ToWildcard(AttributeOr(node, "namespace", "##any"), doc.ns->uri, wildcard);
+        if (!refusal.empty())
+            Unsupported(doc, node, refusal);
+        return wildcard;
+    }
+
+    Particle ReadWildcardParticle(Document& doc, CXmlElement const* node, ComplexType const& owner,
+                                  CNameScope& properties)
+    {
+        Particle particle;
+        particle.name = "AnyElement";  // the library's name for an element of any name
+        particle.minOccurs = ReadOccurs(doc, node, "minOccurs");
+        particle.maxOccurs = ReadOccurs(doc, node, "maxOccurs");
+        if (particle.maxOccurs == 0)
+            Unsupported(doc, node, "a wildcard with maxOccurs=\"0\"");
+        if (particle.maxOccurs != -1 && particle.maxOccurs < particle.minOccurs)
+            Fail(doc, node, "maxOccurs is below minOccurs");
+        if (owner.group == GroupKind::All && particle.maxOccurs != 1)
+            Fail(doc, node, "a particle of xs:all may occur at most once");
+        particle.untyped = true;
+        particle.wildcard = true;
+        particle.nsOwner = doc.ns;
+        particle.any = ReadWildcard(doc, node);
+        particle.property = properties.Unique("Any");
+        return particle;
+    }
+
+    Attribute ReadAnyAttribute(Document const& doc, CXmlElement const* node, CNameScope& properties) const
+    {
+        Attribute attribute;
+        attribute.wildcard = true;
+        attribute.nsOwner = doc.ns;
+        attribute.any = ReadWildcard(doc, node);
+        attribute.property = properties.Unique("AnyAttributes");
+        return attribute;
+    }
+
+    // The library's attribute wildcard refuses what it does not take, so a
+    // class has one, behind every declared attribute.
+    static void CheckAttributeWildcards(ComplexType const& type)
+    {
+        int count = 0;
+        for (ComplexType const* t = &type; t; t = t->base)
+            for (Attribute const& attribute : t->attributes)
+                count += attribute.wildcard;
+        if (count > 1)
+            throw CSchemaError(type.location + ": more than one xs:anyAttribute (with the base type's) is not "
+                                               "supported yet");
     }
 
     // The type of an element or attribute: its type attribute, or its
@@ -855,8 +963,11 @@ private:
                 Unsupported(doc, child, "xs:" + child->GetLocalName() + " in xs:" + node->GetLocalName());
             return result;
         }
-        if (isElement)
-            Unsupported(doc, node, "an element without a type (xs:anyType)");
+        if (isElement) {
+            TypeRef any;  // an element without a type has any content
+            any.untyped = true;
+            return any;
+        }
         TypeRef text;  // an attribute without a type holds any simple value: text
         return text;
     }
@@ -882,13 +993,15 @@ private:
         attribute.qualified = GetAttribute(node, "form", form) ? form == "qualified" : doc.attributesQualified;
         attribute.nsOwner = doc.ns;
         TypeRef const type = ReadTypeOf(doc, node, attribute.name, false);
-        if (type.complex)
+        if (type.complex || type.untyped)
             Fail(doc, node, "the attribute [" + attribute.name + "] has a complex type");
         attribute.simple = type.simple;
         if (attribute.hasDefault && attribute.simple.IsEnum() &&
             std::find(attribute.simple.enumeration.begin(), attribute.simple.enumeration.end(),
                       attribute.defaultValue) == attribute.simple.enumeration.end())
             Fail(doc, node, "the default value [" + attribute.defaultValue + "] is not in the enumeration");
+        if (attribute.hasDefault && attribute.simple.list)
+            Unsupported(doc, node, "a default value of a list type");
         if (attribute.hasDefault && !attribute.simple.IsEnum())
             CheckDefault(doc, node, attribute.simple, attribute.defaultValue);
         attribute.property = properties.Unique(ToIdentifier(attribute.name));
@@ -976,7 +1089,7 @@ private:
                 ReadAttributeGroup(groupDoc, child, properties, attributes);
                 AddDependency(doc.ns, groupDoc.ns);
             } else if (IsXsd(child, "anyAttribute")) {
-                Unsupported(groupDoc, child, "xs:anyAttribute (untyped attributes)");
+                attributes.push_back(ReadAnyAttribute(groupDoc, child, properties));
             } else {
                 Fail(groupDoc, child, "xs:" + child->GetLocalName() + " in an attribute group");
             }

@@ -27,6 +27,7 @@ struct BuiltinType {
     char const* xsdName;
     char const* itemType;    // enumerator of KdBind::ItemType
     char const* whitespace;  // enumerator of CWhitespaceUtils::WhitespaceRule
+    bool list = false;       // a blank-separated list of such values
 };
 
 // The built-in type of a local name in the XML Schema namespace; null when
@@ -62,6 +63,12 @@ struct SimpleType {
     std::vector<std::string> enumeration;  // document order
     std::string enumName;                  // C++ name; set when enumeration is not empty
     NamespaceModel const* owner = nullptr; // where the enum is declared
+    // An xs:list: a blank-separated list of values of the type above, whose
+    // facets apply to each item. The length facets of the list count items.
+    bool list = false;
+    int listMinLength = -1;
+    int listMaxLength = -1;
+    int listLength = -1;
 
     bool IsEnum() const { return !enumeration.empty(); }
     bool HasFacets() const
@@ -73,6 +80,23 @@ struct SimpleType {
 
 struct ComplexType;
 
+// Untyped content: an xs:any wildcard, an element of xs:anyType or an
+// xs:anyAttribute. The spec is one namespace token as the library's
+// wildcard tests read it ("##any", "##other", "##local",
+// "##targetNamespace"), and target the namespace "##targetNamespace" and
+// "##other" refer to. A literal namespace U is held as "##targetNamespace"
+// with U as target: the library's literal token also lets the empty
+// namespace through, this form does not.
+struct Wildcard {
+    std::string spec;
+    std::string target;
+};
+
+// Reads the namespace attribute of a wildcard in a schema of the target
+// namespace; the empty string on success, else why it cannot be mapped.
+std::string ToWildcard(std::string const& namespaceAttribute, std::string const& targetNamespace,
+                       Wildcard& wildcard);
+
 // One child element of a content model.
 struct Particle {
     std::string name;
@@ -83,6 +107,11 @@ struct Particle {
     ComplexType* complex = nullptr;  // null: a simple value
     bool grouping = false;           // complex is a model group: no tag of its own
     SimpleType simple;
+    // Untyped content, an element of any name (xs:any) or of this name
+    // (no type, xs:anyType): a CElement, or a collection of them.
+    bool untyped = false;
+    bool wildcard = false;  // xs:any: any name
+    Wildcard any;
     std::string property;  // C++ property name, unique in its class
 };
 
@@ -94,6 +123,8 @@ struct Attribute {
     std::string defaultValue;
     bool hasDefault = false;
     SimpleType simple;
+    bool wildcard = false;  // xs:anyAttribute: a CAttributeCol
+    Wildcard any;
     std::string property;
 };
 
