@@ -1,6 +1,7 @@
 #include "emitter.h"
 
 #include <cctype>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <set>
@@ -14,7 +15,9 @@ namespace {
 
 // What a property is, which decides its member, its accessors, its
 // AccessProperty case and its metadata entry.
-enum class Kind { Prim, Enum, Class, Collection };
+// PrimCol: a repeating element of a simple type, a typed value collection;
+// Any, AnyCol: xs:any, untyped element trees; AnyAttributes: xs:anyAttribute.
+enum class Kind { Prim, Enum, Class, Collection, PrimCol, Any, AnyCol, AnyAttributes };
 
 struct Property {
     std::string name;        // C++ property name
@@ -82,12 +85,14 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
         p.particle = &particle;
         p.optional = particle.minOccurs == 0 || type.group == GroupKind::Choice;
         p.grouping = particle.grouping;
-        if (particle.complex) {
+        if (particle.wildcard) {
+            p.kind = particle.maxOccurs == 1 ? Kind::Any : Kind::AnyCol;
+        } else if (particle.complex) {
             p.complex = particle.complex;
             p.kind = particle.maxOccurs == 1 ? Kind::Class : Kind::Collection;
         } else {
             p.simple = &particle.simple;
-            p.kind = particle.simple.IsEnum() ? Kind::Enum : Kind::Prim;
+            p.kind = particle.simple.IsEnum() ? Kind::Enum : particle.maxOccurs == 1 ? Kind::Prim : Kind::PrimCol;
         }
         properties.push_back(p);
     }
@@ -108,7 +113,7 @@ std::vector<Property> PropertiesOf(ComplexType const& type)
         p.attribute = &attribute;
         p.optional = !attribute.required;
         p.simple = &attribute.simple;
-        p.kind = attribute.simple.IsEnum() ? Kind::Enum : Kind::Prim;
+        p.kind = attribute.wildcard ? Kind::AnyAttributes : attribute.simple.IsEnum() ? Kind::Enum : Kind::Prim;
         properties.push_back(p);
     }
     return properties;
@@ -139,6 +144,18 @@ std::string FactoryOf(NamespaceModel const& here, ComplexType const& type)
 
 std::string ValueType(NamespaceModel const& here, Property const& p)
 {
+    switch (p.kind) {
+    case Kind::PrimCol:  // ItemType_date gives KdBind::CdateCol
+        return "KdBind::C" + p.simple->itemType.substr(std::strlen("ItemType_")) + "Col";
+    case Kind::Any:
+        return "KdBind::CElement";
+    case Kind::AnyCol:
+        return "KdBind::CElementCol";
+    case Kind::AnyAttributes:
+        return "KdBind::CAttributeCol";
+    default:
+        break;
+    }
     if (p.kind == Kind::Enum)
         return Qualify(here, p.simple->owner, p.simple->enumName);
     if (p.kind == Kind::Prim)
@@ -278,6 +295,15 @@ void EmitAccessors(std::ostream& out, NamespaceModel const& ns, Property const& 
     case Kind::Collection:
         out << "    CClassCol<" << type << ">& Get" << n << "() const { return *" << m << "; }\n";
         break;
+    case Kind::PrimCol:
+    case Kind::AnyCol:
+    case Kind::AnyAttributes:
+        out << "    " << type << "& Get" << n << "() const { return *" << m << "; }\n";
+        break;
+    case Kind::Any:
+        out << "    " << type << "* Get" << n << "() const { return " << m << "; }\n"
+            << "    void Set" << n << "(" << type << "* value) { " << m << " = value; }\n";
+        break;
     }
 }
 
@@ -289,6 +315,10 @@ std::string MemberType(NamespaceModel const& ns, Property const& p)
     case Kind::Enum:
         return p.optional ? "std::optional<" + type + ">" : type;
     case Kind::Class:
+    case Kind::PrimCol:
+    case Kind::Any:
+    case Kind::AnyCol:
+    case Kind::AnyAttributes:
         return "CSmartPtr<" + type + ">";
     case Kind::Collection:
         break;
@@ -586,6 +616,28 @@ void EmitInit(std::ostream& out, NamespaceModel const& ns, ComplexType const& ty
             out << "    " << m << " = new CClassCol<" << valueType << ">(" << Quote(p.schemaName) << ", "
                 << p.nsExpr << ", " << p.particle->minOccurs << ", " << p.particle->maxOccurs << ");\n";
             break;
+        case Kind::PrimCol: {
+            SimpleType const& t = *p.simple;
+            auto text = [](std::string const& facet) { return facet.empty() ? std::string("nullptr") : Quote(facet); };
+            out << "    " << m << " = new " << valueType << "(" << Quote(p.schemaName) << ", " << p.nsExpr << ", "
+                << p.particle->minOccurs << ", " << p.particle->maxOccurs << ", " << text(t.pattern) << ", "
+                << t.minLength << ", " << t.maxLength << ",\n"
+                << "        " << text(t.minInclusive) << ", " << text(t.maxInclusive) << ", "
+                << text(t.minExclusive) << ", " << text(t.maxExclusive) << ", " << t.length
+                << ", CWhitespaceUtils::" << t.whitespace << ", nullptr);\n";
+            break;
+        }
+        case Kind::Any:
+            out << "    " << m << " = nullptr;\n";
+            break;
+        case Kind::AnyCol:
+            out << "    " << m << " = new " << valueType << "(\"\", " << Quote(p.particle->namespaceSpec)
+                << ", NAMESPACE, " << p.particle->minOccurs << ", " << p.particle->maxOccurs << ");\n";
+            break;
+        case Kind::AnyAttributes:
+            out << "    " << m << " = new " << valueType << "(\"\", " << Quote(p.attribute->namespaceSpec)
+                << ", NAMESPACE);\n";
+            break;
         }
     }
     out << "}\n\n";
@@ -679,10 +731,18 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
             write = "Set" + p.name + "(dynamic_cast<" + ValueType(ns, p) + "*>(value.GetXmlObject().get()))";
             break;
         case Kind::Collection:
+        case Kind::PrimCol:
+        case Kind::AnyCol:
+        case Kind::AnyAttributes:
             read = "value.SetXmlCollection(" + m + ")";
             break;
+        case Kind::Any:
+            read = "value.SetXmlObject(" + m + ")";
+            write = m + " = dynamic_cast<" + ValueType(ns, p) + "*>(value.GetXmlObject().get())";
+            break;
         }
-        if (p.kind == Kind::Collection)
+        if (p.kind == Kind::Collection || p.kind == Kind::PrimCol || p.kind == Kind::AnyCol ||
+            p.kind == Kind::AnyAttributes)
             out << "        if (readAccess)\n            " << read << ";\n";
         else if (p.optional)
             out << "        if (!readAccess)\n            " << write << ";\n"
@@ -720,7 +780,9 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
 {
     std::string const group = GroupName(type.group);
     // A choice has no mandatory alternatives: each one may be the one not taken.
-    std::string const occurs = p.kind == Kind::Collection ? "Col" : p.optional ? "Opt" : "Mnd";
+    std::string const occurs = p.kind == Kind::Collection || p.kind == Kind::PrimCol || p.kind == Kind::AnyCol ? "Col"
+                               : p.optional                                                                ? "Opt"
+                                                                                                           : "Mnd";
     std::string const head = Quote(p.schemaName) + ", " + p.nsExpr + ", Property_" + p.name;
     switch (p.kind) {
     case Kind::Prim:
@@ -743,7 +805,15 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
         return "new CElementInfo" + group + "Cls" + occurs + "(" + head + factory + ", " +
                (contentRequired ? "true" : "false") + ")";
     }
+    case Kind::PrimCol:
+        return "new CElementInfo" + group + "PrimCol(" + head + ")";
+    case Kind::Any:
+        return "new CElementInfo" + group + "Untpd" + occurs + "(" + head + ", " +
+               Quote(p.particle->namespaceSpec) + ", NAMESPACE)";
+    case Kind::AnyCol:
+        return "new CElementInfo" + group + "UntpdCol(" + head + ")";
     case Kind::Collection:
+    case Kind::AnyAttributes:
         break;
     }
     return "new CElementInfo" + group + "ClsCol(" + head + ", " + ElementType(p) + ")";
@@ -755,6 +825,9 @@ std::string AttributeEntry(NamespaceModel const& ns, Property const& p)
     std::string const head = Quote(a.name) + ", " + p.nsExpr + ", Property_" + p.name + ", " +
                              (p.optional ? "true" : "false");
     std::string const defaultValue = a.hasDefault ? Quote(a.defaultValue) : "nullptr";
+    if (p.kind == Kind::AnyAttributes)
+        return "new CAttributeInfoAny(\"\", \"\", Property_" + p.name + ", true, " + Quote(a.namespaceSpec) +
+               ", NAMESPACE, nullptr)";
     if (p.kind == Kind::Enum) {
         std::string const e = Qualify(ns, p.simple->owner, p.simple->enumName);
         return "new CAttributeInfoEnum(" + head + ", &" + e + "ToString, &" + e + "FromString, " + defaultValue +
@@ -785,12 +858,14 @@ void EmitTables(std::ostream& out, NamespaceModel const& ns, ComplexType const& 
         for (Property const& p : PropertiesOf(*base))
             all.push_back(p);
     all.insert(all.end(), properties.begin(), properties.end());
+    std::vector<std::string> wildcards;  // a wildcard refuses by failing, so it stands last
     for (Property const& p : all) {
         if (p.attribute)
-            attributes.push_back(AttributeEntry(ns, p));
+            (p.kind == Kind::AnyAttributes ? wildcards : attributes).push_back(AttributeEntry(ns, p));
         else if (!p.isText)
             elements.push_back(ElementEntry(ns, type, p));
     }
+    attributes.insert(attributes.end(), wildcards.begin(), wildcards.end());
     auto table = [&](char const* getter, char const* tableName, char const* entryType,
                      std::vector<std::string> const& entries) {
         out << "KdBindData::" << entryType << "** " << c << "::" << getter << "() const\n{\n"

@@ -514,7 +514,7 @@ private:
             } else if (kind == "attributeGroup") {
                 ReadAttributeGroup(doc, child, properties, type->attributes);
             } else if (kind == "anyAttribute") {
-                Unsupported(doc, child, "xs:anyAttribute (untyped attributes)");
+                type->attributes.push_back(ReadAnyAttribute(doc, child, properties));
             } else if (kind == "simpleContent") {
                 if (sawGroup)
                     Fail(doc, child, "simple content next to a model group");
@@ -595,7 +595,7 @@ private:
                 } else if (kind == "attributeGroup") {
                     ReadAttributeGroup(doc, item, properties, type.attributes);
                 } else if (kind == "anyAttribute") {
-                    Unsupported(doc, item, "xs:anyAttribute (untyped attributes)");
+                    type.attributes.push_back(ReadAnyAttribute(doc, item, properties));
                 } else {
                     Unsupported(doc, item, "xs:" + kind + " in xs:extension");
                 }
@@ -653,7 +653,7 @@ private:
                 else if (kind == "attributeGroup")
                     ReadAttributeGroup(doc, item, properties, type.attributes);
                 else if (kind == "anyAttribute")
-                    Unsupported(doc, item, "xs:anyAttribute (untyped attributes)");
+                    type.attributes.push_back(ReadAnyAttribute(doc, item, properties));
                 else
                     Unsupported(doc, item, "xs:" + kind + " in xs:extension");
             }
@@ -682,7 +682,7 @@ private:
             else if (kind == "sequence" || kind == "choice" || kind == "all" || kind == "group")
                 type.particles.push_back(ReadGroupParticle(doc, child, properties, &type));
             else if (kind == "any")
-                Unsupported(doc, child, "xs:any (untyped content)");
+                type.particles.push_back(ReadWildcard(doc, child, properties));
             else
                 Unsupported(doc, child, "xs:" + kind + " in a model group");
         }
@@ -828,12 +828,42 @@ private:
         }
         particle.complex = type.complex;
         particle.simple = type.simple;
-        if (!particle.complex && particle.maxOccurs != 1)
-            Unsupported(doc, node, "a repeating element of a simple type (a typed value collection)");
+        if (!particle.complex && particle.maxOccurs != 1 && particle.simple.IsEnum())
+            Unsupported(doc, node, "a repeating element of an enumeration type");
         if (owner.group == GroupKind::All && particle.maxOccurs != 1)
             Fail(doc, node, "an element of xs:all may occur at most once");
         particle.property = properties.Unique(ToIdentifier(particle.name));
         return particle;
+    }
+
+    // xs:any: one untyped child, or a collection of them. The element trees
+    // are kept whatever processContents says: nothing is validated lax or
+    // strict, since the schemas of foreign namespaces are not at hand.
+    Particle ReadWildcard(Document& doc, CXmlElement const* node, CNameScope& properties)
+    {
+        Particle particle;
+        particle.wildcard = true;
+        particle.namespaceSpec = AttributeOr(node, "namespace", "##any");
+        particle.minOccurs = ReadOccurs(doc, node, "minOccurs");
+        particle.maxOccurs = ReadOccurs(doc, node, "maxOccurs");
+        if (particle.maxOccurs == 0)
+            Unsupported(doc, node, "xs:any with maxOccurs=\"0\"");
+        if (particle.maxOccurs != -1 && particle.maxOccurs < particle.minOccurs)
+            Fail(doc, node, "maxOccurs is below minOccurs");
+        particle.name = "AnyElement";
+        particle.nsOwner = doc.ns;
+        particle.property = properties.Unique("Any");
+        return particle;
+    }
+
+    Attribute ReadAnyAttribute(Document& doc, CXmlElement const* node, CNameScope& properties)
+    {
+        Attribute attribute;
+        attribute.wildcard = true;
+        attribute.namespaceSpec = AttributeOr(node, "namespace", "##any");
+        attribute.nsOwner = doc.ns;
+        attribute.property = properties.Unique("AnyAttributes");
+        return attribute;
     }
 
     // The type of an element or attribute: its type attribute, or its

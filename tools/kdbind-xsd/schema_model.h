@@ -84,6 +84,10 @@ struct Particle {
     bool grouping = false;           // complex is a model group: no tag of its own
     SimpleType simple;
     std::string property;  // C++ property name, unique in its class
+    // xs:any: untyped elements of the namespaces namespaceSpec names
+    // ("##any", "##other", a list of URIs ...), held as element trees.
+    bool wildcard = false;
+    std::string namespaceSpec;
 };
 
 struct Attribute {
@@ -95,6 +99,10 @@ struct Attribute {
     bool hasDefault = false;
     SimpleType simple;
     std::string property;
+    // xs:anyAttribute: a collection of the untyped attributes of the
+    // namespaces namespaceSpec names; written and read after the others.
+    bool wildcard = false;
+    std::string namespaceSpec;
 };
 
 enum class GroupKind { Sequence, Choice, All };
