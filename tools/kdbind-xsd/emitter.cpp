@@ -728,7 +728,10 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
             break;
         case Kind::Class:
             read = "value.SetXmlObject(" + m + ")";
-            write = "Set" + p.name + "(dynamic_cast<" + ValueType(ns, p) + "*>(value.GetXmlObject().get()))";
+            // The engine made an optional object under its element name
+            // already; a mandatory one may not be null.
+            write = (p.optional ? m + " = " : "Set" + p.name + "(") + "dynamic_cast<" + ValueType(ns, p) +
+                    "*>(value.GetXmlObject().get())" + (p.optional ? "" : ")");
             break;
         case Kind::Collection:
         case Kind::PrimCol:
