@@ -681,6 +681,8 @@ private:
                 type.particles.push_back(ReadParticle(doc, child, type, properties));
             else if (kind == "sequence" || kind == "choice" || kind == "all" || kind == "group")
                 type.particles.push_back(ReadGroupParticle(doc, child, properties, &type));
+            else if (kind == "any" && type.group == GroupKind::All)
+                Fail(doc, child, "xs:any in xs:all");
             else if (kind == "any")
                 type.particles.push_back(ReadWildcard(doc, child, properties));
             else
