@@ -1,4 +1,4 @@
-# Front door: `make demo`, `make test`, `make bench`, `make interop`.
+# Front door: `make demo`, `make test`, `make bench`, `make interop`, `make package`.
 # SANITIZE=1 builds with clang, AddressSanitizer and UndefinedBehaviorSanitizer;
 # SANITIZE=thread with clang and ThreadSanitizer.
 JOBS ?= 2
@@ -16,7 +16,7 @@ else
 BUILD_DIR ?= build
 endif
 
-.PHONY: all deps configure build test demo bench interop clean
+.PHONY: all deps configure build test demo bench interop package clean
 
 all: build
 
@@ -41,9 +41,17 @@ bench: deps
 	@cmake --build build-bench -j$(JOBS)
 	@for b in build-bench/bench/kdbind_bench_*; do if [ -x "$$b" ]; then "$$b" || exit 1; fi; done
 
+# The Debian package of library, headers, CMake package, pkg-config file and
+# kdbind-xsd, from a Release build without tests: build-package/kdbind_*.deb.
+package: deps
+	@cmake -S . -B build-package -DCMAKE_BUILD_TYPE=Release -DKDBIND_BUILD_TESTS=OFF -DKDBIND_BUILD_EXAMPLES=OFF >/dev/null
+	@cmake --build build-package -j$(JOBS)
+	@cd build-package && cpack -G DEB
+	@ls build-package/kdbind_*.deb
+
 # Fast Infoset written by the tests, read back by an independent Java decoder.
 interop: build
 	@scripts/interop.sh $(BUILD_DIR)
 
 clean:
-	rm -rf build build-sanitize build-tsan build-bench
+	rm -rf build build-sanitize build-tsan build-bench build-package

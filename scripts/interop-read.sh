@@ -14,7 +14,7 @@ out="$build_dir/interop-read"
 rm -rf "$out"
 mkdir -p "$out/docs" "$out/classes"
 cp "$here"/interop/documents/*.xml "$out/docs/"
-javac -nowarn -d "$out/classes" -cp "$jar" "$here/interop/FastInfosetReadInterop.java"
+javac -nowarn -d "$out/classes" -cp "$jar" "$here/interop/FastInfosetReadInterop.java" "$here/interop/Infosets.java"
 java -cp "$out/classes:$jar" FastInfosetReadInterop encode "$out/docs"
 if ! KDBIND_INTEROP_READ_DIR="$out/docs" "$build_dir/tests/kdbind_test_fastinfoset" \
         --gtest_filter='FastInfosetInteropTest.*' --gtest_brief=1 >"$out/library.log" 2>&1; then

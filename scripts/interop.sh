@@ -32,7 +32,7 @@ jar=$(find_jar)
 out="$build_dir/interop"
 rm -rf "$out"
 mkdir -p "$out/docs" "$out/classes"
-javac -nowarn -d "$out/classes" -cp "$jar" "$here/interop/FastInfosetInterop.java"
+javac -nowarn -d "$out/classes" -cp "$jar" "$here/interop/FastInfosetInterop.java" "$here/interop/Infosets.java"
 KDBIND_INTEROP_DIR="$out/docs" "$build_dir/tests/kdbind_test_fastinfoset" --gtest_brief=1 >/dev/null
 java -cp "$out/classes:$jar" FastInfosetInterop "$out/docs"
 # The reading direction: documents of the Java encoder, plain and compressed.

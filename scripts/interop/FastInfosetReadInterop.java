@@ -7,31 +7,17 @@
 //               text, namespace declarations aside (the library chooses its
 //               own prefixes).
 import java.io.File;
-import java.io.FileInputStream;
 import java.io.FileOutputStream;
-import java.io.InputStream;
 import java.io.OutputStream;
-import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.Collections;
-import java.util.List;
 import java.util.zip.GZIPOutputStream;
 
-import javax.xml.parsers.DocumentBuilderFactory;
 import javax.xml.parsers.SAXParser;
 import javax.xml.parsers.SAXParserFactory;
 
-import org.w3c.dom.Attr;
-import org.w3c.dom.Document;
-import org.w3c.dom.NamedNodeMap;
-import org.w3c.dom.Node;
-
-import com.sun.xml.fastinfoset.dom.DOMDocumentParser;
 import com.sun.xml.fastinfoset.sax.SAXDocumentSerializer;
 
 public final class FastInfosetReadInterop {
-    private static final String XMLNS = "http://www.w3.org/2000/xmlns/";
-
     public static void main(String[] args) throws Exception {
         File dir = new File(args[1]);
         if (args[0].equals("encode"))
@@ -93,8 +79,8 @@ public final class FastInfosetReadInterop {
             }
             ++checked;
             try {
-                String fromBinary = canonical(readFastInfoset(ours));
-                String fromText = canonical(readText(xml));
+                String fromBinary = Infosets.canonical(Infosets.readFastInfoset(ours), false);
+                String fromText = Infosets.canonical(Infosets.readText(xml), false);
                 if (fromBinary.equals(fromText)) {
                     System.out.println("ok    java reads the library's " + name);
                 } else {
@@ -110,61 +96,5 @@ public final class FastInfosetReadInterop {
         System.out.println((files.length - failures) + " of " + files.length
                            + " documents written back by the library read alike");
         return failures == 0 && checked > 0;
-    }
-
-    private static DocumentBuilderFactory factory() {
-        DocumentBuilderFactory factory = DocumentBuilderFactory.newInstance();
-        factory.setNamespaceAware(true);
-        return factory;
-    }
-
-    private static Document readFastInfoset(File file) throws Exception {
-        Document document = factory().newDocumentBuilder().newDocument();
-        try (InputStream in = new FileInputStream(file)) {
-            new DOMDocumentParser().parse(document, in);
-        }
-        return document;
-    }
-
-    private static Document readText(File file) throws Exception {
-        return factory().newDocumentBuilder().parse(file);
-    }
-
-    private static String canonical(Document document) {
-        StringBuilder out = new StringBuilder();
-        element(document.getDocumentElement(), out);
-        return out.toString();
-    }
-
-    // Elements by URI and local name, attributes sorted, the element's text
-    // joined and kept when it is not only blanks.
-    private static void element(Node node, StringBuilder out) {
-        out.append("<{").append(nz(node.getNamespaceURI())).append('}').append(node.getLocalName());
-        List<String> items = new ArrayList<>();
-        NamedNodeMap attributes = node.getAttributes();
-        for (int i = 0; i < attributes.getLength(); ++i) {
-            Attr a = (Attr) attributes.item(i);
-            if (!XMLNS.equals(a.getNamespaceURI()))
-                items.add(" @{" + nz(a.getNamespaceURI()) + "}" + a.getLocalName() + "=[" + a.getValue() + "]");
-        }
-        Collections.sort(items);
-        for (String item : items)
-            out.append(item);
-        out.append('>');
-        StringBuilder text = new StringBuilder();
-        StringBuilder children = new StringBuilder();
-        for (Node child = node.getFirstChild(); child != null; child = child.getNextSibling()) {
-            if (child.getNodeType() == Node.TEXT_NODE || child.getNodeType() == Node.CDATA_SECTION_NODE)
-                text.append(child.getNodeValue());
-            else if (child.getNodeType() == Node.ELEMENT_NODE)
-                element(child, children);
-        }
-        if (text.toString().trim().length() != 0)
-            out.append('[').append(text).append(']');
-        out.append(children).append("</>");
-    }
-
-    private static String nz(String s) {
-        return s == null ? "" : s;
     }
 }

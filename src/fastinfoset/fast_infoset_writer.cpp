@@ -130,52 +130,68 @@ void CFastInfosetWriter::Integer0To2pw20Bit2(unsigned char bits, unsigned long v
         Integer1To2pw20Bit2(bits, value);
 }
 
-void CFastInfosetWriter::Integer1To2pw20Bit3(unsigned char bits, unsigned long value)
+namespace {
+// The third- and fourth-bit integer forms differ only in their limits and
+// marks: up to `small` the value goes in the first octet; then one octet
+// follows the medium mark, two the large mark, three the huge mark.
+struct IntegerForm {
+    unsigned long small;        // values 1..small: one octet
+    unsigned char highMask;     // the value's bits the first octet carries in the medium and large forms
+    unsigned char mediumMark;   // then one octet more
+    unsigned long mediumLimit;
+    unsigned char largeMark;    // then two octets more
+    unsigned long largeLimit;
+    unsigned char hugeMark;     // then three octets, counted from hugeBase
+    unsigned long hugeBase;
+};
+
+// The third bit's huge form counts from one less than the reader
+// subtracts: such an index reads back one higher. Both sides keep it, so
+// that documents stay as they were.
+constexpr IntegerForm kIntegerBit3 = {32, 0x07, 0x20, 2080, 0x28, 526368, 0x30, 526368};
+constexpr IntegerForm kIntegerBit4 = {16, 0x03, 0x10, 1040, 0x14, 263184, 0x18, 263185};
+
+// The octets of `value` (at least 1) in `form`, the first one or'ed with
+// `bits`; returns how many were written to `out`.
+size_t EncodeInteger(IntegerForm const& form, unsigned char bits, unsigned long value, unsigned char (&out)[4])
 {
     assert(value >= 1);
-    if (value <= 32) {
-        Put(static_cast<unsigned char>(bits | (value - 1)));
-    } else if (value <= 2080) {
-        unsigned long const v = value - 33;
-        Put(static_cast<unsigned char>(bits | 0x20 | ((v >> 8) & 0x07)));
-        Put(static_cast<unsigned char>(v));
-    } else if (value <= 526368) {
-        unsigned long const v = value - 2081;
-        Put(static_cast<unsigned char>(bits | 0x28 | ((v >> 16) & 0x07)));
-        Put(static_cast<unsigned char>(v >> 8));
-        Put(static_cast<unsigned char>(v));
-    } else {
-        // One less than the reader subtracts: such an index reads back one
-        // higher. Both sides keep it, so that documents stay as they were.
-        unsigned long const v = value - 526368;
-        Put(static_cast<unsigned char>(bits | 0x30));
-        Put(static_cast<unsigned char>(v >> 16));
-        Put(static_cast<unsigned char>(v >> 8));
-        Put(static_cast<unsigned char>(v));
+    if (value <= form.small) {
+        out[0] = static_cast<unsigned char>(bits | (value - 1));
+        return 1;
     }
+    if (value <= form.mediumLimit) {
+        unsigned long const v = value - form.small - 1;
+        out[0] = static_cast<unsigned char>(bits | form.mediumMark | ((v >> 8) & form.highMask));
+        out[1] = static_cast<unsigned char>(v);
+        return 2;
+    }
+    if (value <= form.largeLimit) {
+        unsigned long const v = value - form.mediumLimit - 1;
+        out[0] = static_cast<unsigned char>(bits | form.largeMark | ((v >> 16) & form.highMask));
+        out[1] = static_cast<unsigned char>(v >> 8);
+        out[2] = static_cast<unsigned char>(v);
+        return 3;
+    }
+    unsigned long const v = value - form.hugeBase;
+    out[0] = static_cast<unsigned char>(bits | form.hugeMark);
+    out[1] = static_cast<unsigned char>(v >> 16);
+    out[2] = static_cast<unsigned char>(v >> 8);
+    out[3] = static_cast<unsigned char>(v);
+    return 4;
+}
+} // namespace
+
+void CFastInfosetWriter::Integer1To2pw20Bit3(unsigned char bits, unsigned long value)
+{
+    unsigned char octets[4];
+    Put(octets, EncodeInteger(kIntegerBit3, bits, value, octets));
 }
 
 void CFastInfosetWriter::Integer1To2pw20Bit4(unsigned char bits, unsigned long value)
 {
-    assert(value >= 1);
-    if (value <= 16) {
-        Put(static_cast<unsigned char>(bits | (value - 1)));
-    } else if (value <= 1040) {
-        unsigned long const v = value - 17;
-        Put(static_cast<unsigned char>(bits | 0x10 | ((v >> 8) & 0x03)));
-        Put(static_cast<unsigned char>(v));
-    } else if (value <= 263184) {
-        unsigned long const v = value - 1041;
-        Put(static_cast<unsigned char>(bits | 0x14 | ((v >> 16) & 0x03)));
-        Put(static_cast<unsigned char>(v >> 8));
-        Put(static_cast<unsigned char>(v));
-    } else {
-        unsigned long const v = value - 263185;
-        Put(static_cast<unsigned char>(bits | 0x18));
-        Put(static_cast<unsigned char>(v >> 16));
-        Put(static_cast<unsigned char>(v >> 8));
-        Put(static_cast<unsigned char>(v));
-    }
+    unsigned char octets[4];
+    Put(octets, EncodeInteger(kIntegerBit4, bits, value, octets));
 }
 
 namespace {

@@ -91,6 +91,7 @@ expect_unsupported '<xs:sequence><xs:element name="e" type="U" maxOccurs="2"/></
     "the element [e]: a repeating element of a type that others extend is not supported yet"
 expect_unsupported '<xs:sequence><xs:element name="e" type="V"/></xs:sequence>'"$extended" \
     "the element [e]: a required element of an abstract type is not supported yet"
+expect_unsupported '<xs:all><xs:any/></xs:all>' "xs:all[1]/xs:any[1]: xs:any in xs:all"
 expect_unsupported '<xs:sequence><xs:choice maxOccurs="2"/></xs:sequence>' "xs:choice[1]: a repeating model group"
 expect_unsupported '<xs:sequence><xs:group ref="G"/></xs:sequence>' "unknown model group [G]"
 expect_unsupported '<xs:sequence><xs:element ref="e"/></xs:sequence>' "xs:element[1]: unknown element [e]"
@@ -123,6 +124,17 @@ expect_unsupported '<xs:attribute name="b" type="xs:boolean" default="maybe"/>' 
     "[@name='b']: the default value [maybe] does not convert"
 expect_unsupported '<xs:sequence><xs:element name="next" type="T"/></xs:sequence>' \
     "the type [T] must contain itself through required children"
+expect_unsupported '<xs:attribute name="n" type="xs:int" fixed="x"/>' "[@name='n']: the fixed value [x] does not convert"
+expect_unsupported '<xs:sequence><xs:element name="n" type="xs:byte" default="200"/></xs:sequence>' \
+    "[@name='n']: the default value [200] does not convert"
+expect_unsupported '<xs:sequence><xs:element name="n" default="-1"><xs:simpleType><xs:restriction base="xs:int"><xs:minInclusive value="0"/></xs:restriction></xs:simpleType></xs:element></xs:sequence>' \
+    "the default value [-1] does not convert or breaks a facet"
+# Default and fixed values the metadata and the generated accessors cannot give.
+expect_unsupported '<xs:sequence><xs:element name="e" type="T" minOccurs="0" fixed="x"/></xs:sequence>' \
+    "[@name='e']: a default or fixed value of an element of a complex type"
+expect_unsupported '<xs:sequence><xs:element name="e" type="xs:int" maxOccurs="2" default="1"/></xs:sequence>' \
+    "a default or fixed value of a repeating element"
+expect_unsupported '<xs:attribute name="a" type="xs:IDREFS" default="x"/>' "a default or fixed value of a list type"
 
 # C++ names: made from schema names, collisions numbered, names of the base
 # classes avoided; the header compiles, also for a type without content.
@@ -135,8 +147,11 @@ cat >"$work/names.xsd" <<'SCHEMA'
         <xs:element name="a_b" type="xs:int"/>
         <xs:element name="elementName" type="xs:string"/>
         <xs:element name="empty" type="Empty" minOccurs="0"/>
+        <xs:element name="when" type="xs:date" minOccurs="0" maxOccurs="3"/>
+        <xs:any namespace="##other" minOccurs="0" maxOccurs="unbounded"/>
       </xs:sequence>
       <xs:attribute name="class" type="xs:string"/>
+      <xs:anyAttribute namespace="##local"/>
       <xs:attribute name="size"><xs:simpleType><xs:union memberTypes="xs:int xs:token"/></xs:simpleType></xs:attribute>
       <xs:attribute name="mark">
         <xs:simpleType>
@@ -152,13 +167,15 @@ cat >"$work/names.xsd" <<'SCHEMA'
     </xs:complexType>
   </xs:element>
   <xs:complexType name="item"/>
-  <xs:complexType name="Empty"/>
+  <xs:complexType name="Empty"><xs:choice><xs:any/></xs:choice></xs:complexType>
 </xs:schema>
 SCHEMA
 "$tool" --output-dir "$work/names" --namespace urn:names=Outer::Names "$work/names.xsd"
 for expected in "namespace Outer::Names {" "class CItem : " "class CItem2 : " "GetAB() const" "GetAB2() const" \
     "GetElementName2() const" "GetClass() const" "class CEmpty : " "std::optional<std::string> const& GetSize()" \
-    "enum Mark { Mark_a_b, Mark_c_d, Mark_1x, Mark_1_x, Mark___t__ };"; do
+    "enum Mark { Mark_a_b, Mark_c_d, Mark_1x, Mark_1_x, Mark___t__ };" "KdBind::CdateCol& GetWhen() const" \
+    "CAnyCol& GetAny() const" "KdBind::CAttributeCol& GetAnyAttributes() const" \
+    "KdBind::CElement* GetAny() const"; do
     grep -qF "$expected" "$work/names/names.h" || fail "no [$expected] in the generated header"
 done
 expected='{"a\"b", "c\\d", "1x", "1-x", "\303\251t\303\251"}'

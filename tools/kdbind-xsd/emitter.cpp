@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "emit_default_values.h"
 #include "emit_untyped.h"
 #include "emit_value_lists.h"
 #include "names.h"
@@ -433,6 +434,8 @@ std::string EmitHeader(NamespaceModel const& ns)
         out << UntypedCollectionCode() << "\n";
     if (UsesListValue(ns))
         out << ListSupportCode() << "\n";
+    if (UsesFixedValue(ns))
+        out << FixedValueCode() << "\n";
     for (auto const& type : ns.types)
         out << "class " << type->className << ";\n";
     out << "\n";
@@ -574,9 +577,20 @@ void EmitFactories(std::ostream& out, NamespaceModel const& ns)
     out << "}\n\n";
 }
 
-std::string DefaultExpression(NamespaceModel const& ns, Property const& p)
+// The value a new object starts with: an attribute's default or fixed
+// value, and a required element's; null for none. An optional element with
+// a default starts out absent: the default is what an empty one holds.
+std::string const* InitialValue(Property const& p)
 {
-    std::string const& text = p.attribute->defaultValue;
+    if (p.attribute)
+        return p.attribute->hasDefault ? &p.attribute->defaultValue : nullptr;
+    if (p.particle && p.particle->hasDefault && !p.optional)
+        return &p.particle->defaultValue;
+    return nullptr;
+}
+
+std::string DefaultExpression(NamespaceModel const& ns, Property const& p, std::string const& text)
+{
     if (p.kind == Kind::Enum)
         return EnumeratorOf(ns, *p.simple, text);
     if (p.simple->itemType == "ItemType_string")
@@ -596,15 +610,15 @@ void EmitInit(std::ostream& out, NamespaceModel const& ns, ComplexType const& ty
         switch (p.kind) {
         case Kind::Prim:
         case Kind::Enum:
-            if (p.attribute && p.attribute->hasDefault) {
-                std::string const expression = DefaultExpression(ns, p);
+            if (std::string const* initial = InitialValue(p)) {
+                std::string const expression = DefaultExpression(ns, p, *initial);
                 if (!expression.empty()) {
                     out << "    " << m << " = " << expression << ";\n";
                 } else {
                     ValueKind const& kind = GetValueKind(p.simple->itemType);
                     out << "    {\n"
                         << "        KdVariant value;\n"
-                        << "        value.FromString(" << Quote(p.attribute->defaultValue) << ", KdBind::"
+                        << "        value.FromString(" << Quote(*initial) << ", KdBind::"
                         << p.simple->itemType << ", CWhitespaceUtils::" << p.simple->whitespace << ");\n"
                         << "        " << m << " = value.Get" << kind.variantSuffix << "();\n"
                         << "    }\n";
@@ -693,36 +707,62 @@ void EmitSetters(std::ostream& out, NamespaceModel const& ns, ComplexType const&
     }
 }
 
-// Simple content crosses as text: the engine reads and writes the element's
-// text through a string variant. The class holds the typed value, converted
-// here with the type's whitespace rule and checked against its facets.
-void EmitTextAccess(std::ostream& out, NamespaceModel const& ns, Property const& p)
+// Values that cross the engine as text, which the class converts with the
+// type's whitespace rule and checks against its facets: simple content, and
+// elements with a default or fixed value, since the engine would convert an
+// empty element's text and fail where the schema gives it the default.
+struct TextValue {
+    std::string name;  // C++ expression of the name in facet messages
+    std::string const* defaultText = nullptr;  // what an empty element holds
+    std::string const* fixedText = nullptr;    // the canonical fixed value
+    bool optional = false;
+    bool checkOnOutput = false;  // facets, as the engine checks primitives it writes
+};
+
+void EmitTextValueAccess(std::ostream& out, NamespaceModel const& ns, Property const& p, TextValue const& v)
 {
     std::string const& m = p.member;
     std::string const rule = "CWhitespaceUtils::" + p.simple->whitespace;
+    std::string const text = v.defaultText ? "(value.GetString().empty() ? std::string(" + Quote(*v.defaultText) +
+                                                 ") : value.GetString())"
+                                           : "value.GetString()";
+    std::string const current = (v.optional ? "*" : "") + m;
+    auto fixed = [&](std::string const& textExpression) {
+        if (v.fixedText)
+            out << "            CheckFixed(" << textExpression << ", " << v.name << ", " << Quote(*v.fixedText)
+                << ");\n";
+    };
+    out << "        if (readAccess) {\n";
+    if (v.optional)
+        out << "            if (!" << m << ")\n                break;\n";
     if (p.kind == Kind::Enum) {
         std::string const e = Qualify(ns, p.simple->owner, p.simple->enumName);
-        out << "        if (readAccess)\n"
-            << "            value.SetString(" << e << "ToString(" << m << "));\n"
-            << "        else\n"
-            << "            " << m << " = static_cast<" << e << ">(\n"
-            << "                " << e << "FromString(CWhitespaceUtils::ApplyRule(" << rule
-            << ", value.GetString()).c_str()));\n"
+        out << "            value.SetString(" << e << "ToString(" << current << "));\n";
+        fixed("value.GetString()");
+        out << "        } else {\n"
+            << "            std::string const text = CWhitespaceUtils::ApplyRule(" << rule << ", " << text << ");\n";
+        fixed("text");
+        out << "            " << m << " = static_cast<" << e << ">(" << e << "FromString(text.c_str()));\n"
+            << "        }\n"
             << "        break;\n";
         return;
     }
     std::string const suffix = GetValueKind(p.simple->itemType).variantSuffix;
-    out << "        if (readAccess) {\n"
-        << "            KdVariant typed;\n"
-        << "            typed.Set" << suffix << "(" << m << ");\n"
-        << "            value.SetString(typed.ToString());\n"
+    std::string const facets = "            KdBind::CXmlObjectHelper::CheckRestriction(" + v.name + ", typed, KdBind::" +
+                               p.simple->itemType + ",\n                                                       " +
+                               Restrictions(*p.simple) + ");\n";
+    out << "            KdVariant typed;\n"
+        << "            typed.Set" << suffix << "(" << current << ");\n";
+    if (v.checkOnOutput && p.simple->HasFacets())
+        out << facets;
+    fixed("typed.ToString()");
+    out << "            value.SetString(typed.ToString());\n"
         << "        } else {\n"
         << "            KdVariant typed;\n"
-        << "            typed.FromString(value.GetString(), KdBind::" << p.simple->itemType << ", " << rule << ");\n";
+        << "            typed.FromString(" << text << ", KdBind::" << p.simple->itemType << ", " << rule << ");\n";
     if (p.simple->HasFacets())
-        out << "            KdBind::CXmlObjectHelper::CheckRestriction(GetElementName().c_str(), typed, KdBind::"
-            << p.simple->itemType << ",\n"
-            << "                                                       " << Restrictions(*p.simple) << ");\n";
+        out << facets;
+    fixed("typed.ToString()");
     out << "            " << m << " = typed.Get" << suffix << "();\n"
         << "        }\n"
         << "        break;\n";
@@ -768,7 +808,19 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
         std::string const& m = p.member;
         out << "    case Property_" << p.name << ":\n";
         if (p.isText) {
-            EmitTextAccess(out, ns, p);
+            TextValue simpleContent;
+            simpleContent.name = "GetElementName().c_str()";
+            EmitTextValueAccess(out, ns, p, simpleContent);
+            continue;
+        }
+        if (p.particle && p.particle->hasDefault) {
+            TextValue element;
+            element.name = Quote(p.schemaName);
+            element.defaultText = &p.particle->defaultValue;
+            element.fixedText = p.particle->fixed ? &p.particle->fixedText : nullptr;
+            element.optional = p.optional;
+            element.checkOnOutput = true;
+            EmitTextValueAccess(out, ns, p, element);
             continue;
         }
         if (p.kind == Kind::List) {
@@ -788,6 +840,12 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
             write = m + " = static_cast<" + ValueType(ns, p) + ">(value.GetI4())";
             break;
         case Kind::Class:
+            read = "value.SetXmlObject(" + m + ")";
+            // The engine made an optional object under its element name
+            // already; a mandatory one may not be null.
+            write = (p.optional ? m + " = " : "Set" + p.name + "(") + "dynamic_cast<" + ValueType(ns, p) +
+                    "*>(value.GetXmlObject().get())" + (p.optional ? "" : ")");
+            break;
         case Kind::AnyElement:
             read = "value.SetXmlObject(" + m + ")";
             write = "Set" + p.name + "(dynamic_cast<" + ValueType(ns, p) + "*>(value.GetXmlObject().get()))";
@@ -809,6 +867,15 @@ void EmitAccessProperty(std::ostream& out, NamespaceModel const& ns, ComplexType
         else
             out << "        if (readAccess)\n            " << read << ";\n"
                 << "        else\n            " << write << ";\n";
+        if (p.attribute && p.attribute->fixed) {
+            // Both ways: what a document holds, and what the object would write.
+            std::string const text =
+                p.kind == Kind::Enum ? Qualify(ns, p.simple->owner, p.simple->enumName) + "ToString(value.GetI4())"
+                                     : std::string("value.ToString()");
+            out << "        if (value.IsValid())\n"
+                << "            CheckFixed(" << text << ", " << Quote(p.schemaName) << ", "
+                << Quote(p.attribute->fixedText) << ");\n";
+        }
         out << "        break;\n";
     }
     if (type.base)
@@ -844,6 +911,10 @@ std::string ElementEntry(NamespaceModel const& ns, ComplexType const& type, Prop
                                : p.optional ? "Opt"
                                             : "Mnd";
     std::string const head = Quote(p.schemaName) + ", " + p.nsExpr + ", Property_" + p.name;
+    if (p.particle && p.particle->hasDefault)
+        return "new CElementInfo" + group + "Prim" + occurs + "(" + head +
+               ", KdBind::ItemType_string, nullptr, CWhitespaceUtils::WhitespaceRule_Preserve, "
+               "CPrimitiveRestrictions())";
     switch (p.kind) {
     case Kind::Prim:
         return "new CElementInfo" + group + "Prim" + occurs + "(" + head + ", KdBind::" + p.simple->itemType +
@@ -899,7 +970,9 @@ std::string AttributeEntry(NamespaceModel const& ns, Property const& p)
                WildcardTarget(ns, a.any) + ", nullptr)";
     std::string const head = Quote(a.name) + ", " + p.nsExpr + ", Property_" + p.name + ", " +
                              (p.optional ? "true" : "false");
-    std::string const defaultValue = a.hasDefault ? Quote(a.defaultValue) : "nullptr";
+    // A fixed value is written as the library writes the value, so it is
+    // given in that form: the option that leaves defaults out compares texts.
+    std::string const defaultValue = a.fixed ? Quote(a.fixedText) : a.hasDefault ? Quote(a.defaultValue) : "nullptr";
     if (p.kind == Kind::List)
         return "new CAttributeInfoPrimitive(" + head +
                ", KdBind::ItemType_string, nullptr, CWhitespaceUtils::WhitespaceRule_Collapse, "

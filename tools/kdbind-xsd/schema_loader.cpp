@@ -716,8 +716,10 @@ private:
                 type.particles.push_back(ReadParticle(doc, child, type, properties));
             else if (kind == "sequence" || kind == "choice" || kind == "all" || kind == "group")
                 type.particles.push_back(ReadGroupParticle(doc, child, properties, &type));
+            else if (kind == "any" && type.group == GroupKind::All)
+                Fail(doc, child, "xs:any in xs:all");
             else if (kind == "any")
-                type.particles.push_back(ReadWildcardParticle(doc, child, type, properties));
+                type.particles.push_back(ReadWildcardParticle(doc, child, properties));
             else
                 Unsupported(doc, child, "xs:" + kind + " in a model group");
         }
@@ -842,8 +844,6 @@ private:
             Unsupported(doc, node, "an element with maxOccurs=\"0\"");
         if (particle.maxOccurs != -1 && particle.maxOccurs < particle.minOccurs)
             Fail(doc, node, "maxOccurs is below minOccurs");
-        if (GetAttribute(node, "default", value) || GetAttribute(node, "fixed", value))
-            Unsupported(doc, node, "a default or fixed value of an element");
         if (AttributeOr(node, "nillable") == "true" || AttributeOr(node, "nillable") == "1")
             Unsupported(doc, node, "a nillable element");
         std::string form;
@@ -879,8 +879,32 @@ private:
         }
         if (owner.group == GroupKind::All && particle.maxOccurs != 1)
             Fail(doc, node, "an element of xs:all may occur at most once");
+        ReadElementDefault(*(global.node ? global.doc : &doc), global.node ? global.node : node, particle);
         particle.property = properties.Unique(ToIdentifier(particle.name));
         return particle;
+    }
+
+    // The library's metadata has no default or fixed values of elements: the
+    // class converts the text itself, and gives an empty element the value.
+    void ReadElementDefault(Document const& doc, CXmlElement const* declaration, Particle& particle) const
+    {
+        bool const hasDefault = GetAttribute(declaration, "default", particle.defaultValue);
+        std::string fixed;
+        particle.fixed = GetAttribute(declaration, "fixed", fixed);
+        if (!hasDefault && !particle.fixed)
+            return;
+        if (hasDefault && particle.fixed)
+            Fail(doc, declaration, "an element with both a default and a fixed value");
+        if (particle.complex || particle.untyped)
+            Unsupported(doc, declaration, "a default or fixed value of an element of a complex type");
+        if (particle.simple.list)
+            Unsupported(doc, declaration, "a default or fixed value of a list type");
+        if (particle.maxOccurs != 1)
+            Unsupported(doc, declaration, "a default or fixed value of a repeating element");
+        if (particle.fixed)
+            particle.defaultValue = fixed;
+        particle.hasDefault = true;
+        particle.fixedText = CheckDefault(doc, declaration, particle.simple, particle.defaultValue, particle.fixed);
     }
 
     // processContents says how far the content should be validated. It is
@@ -900,8 +924,7 @@ private:
         return wildcard;
     }
 
-    Particle ReadWildcardParticle(Document& doc, CXmlElement const* node, ComplexType const& owner,
-                                  CNameScope& properties)
+    Particle ReadWildcardParticle(Document& doc, CXmlElement const* node, CNameScope& properties)
     {
         Particle particle;
         particle.name = "AnyElement";  // the library's name for an element of any name
@@ -911,8 +934,6 @@ private:
             Unsupported(doc, node, "a wildcard with maxOccurs=\"0\"");
         if (particle.maxOccurs != -1 && particle.maxOccurs < particle.minOccurs)
             Fail(doc, node, "maxOccurs is below minOccurs");
-        if (owner.group == GroupKind::All && particle.maxOccurs != 1)
-            Fail(doc, node, "a particle of xs:all may occur at most once");
         particle.untyped = true;
         particle.wildcard = true;
         particle.nsOwner = doc.ns;
@@ -984,11 +1005,15 @@ private:
         if (use == "prohibited")
             Unsupported(doc, node, "a prohibited attribute");
         attribute.required = use == "required";
-        if (GetAttribute(node, "fixed", value))
-            Unsupported(doc, node, "a fixed value of an attribute");
         attribute.hasDefault = GetAttribute(node, "default", attribute.defaultValue);
         if (attribute.hasDefault && attribute.required)
             Fail(doc, node, "a required attribute cannot have a default value");
+        if (GetAttribute(node, "fixed", value)) {
+            if (attribute.hasDefault)
+                Fail(doc, node, "an attribute with both a default and a fixed value");
+            attribute.fixed = attribute.hasDefault = true;
+            attribute.defaultValue = value;
+        }
         std::string form;
         attribute.qualified = GetAttribute(node, "form", form) ? form == "qualified" : doc.attributesQualified;
         attribute.nsOwner = doc.ns;
@@ -996,30 +1021,44 @@ private:
         if (type.complex || type.untyped)
             Fail(doc, node, "the attribute [" + attribute.name + "] has a complex type");
         attribute.simple = type.simple;
-        if (attribute.hasDefault && attribute.simple.IsEnum() &&
-            std::find(attribute.simple.enumeration.begin(), attribute.simple.enumeration.end(),
-                      attribute.defaultValue) == attribute.simple.enumeration.end())
-            Fail(doc, node, "the default value [" + attribute.defaultValue + "] is not in the enumeration");
         if (attribute.hasDefault && attribute.simple.list)
-            Unsupported(doc, node, "a default value of a list type");
-        if (attribute.hasDefault && !attribute.simple.IsEnum())
-            CheckDefault(doc, node, attribute.simple, attribute.defaultValue);
+            Unsupported(doc, node, "a default or fixed value of a list type");
+        if (attribute.hasDefault)
+            attribute.fixedText = CheckDefault(doc, node, attribute.simple, attribute.defaultValue, attribute.fixed);
         attribute.property = properties.Unique(ToIdentifier(attribute.name));
         return attribute;
     }
 
     // A new object takes the default value through the library's own
     // conversion; one that does not convert would fail in every constructor.
-    void CheckDefault(Document const& doc, CXmlElement const* node, SimpleType const& type,
-                      std::string const& text) const
+    // Returns the value's canonical text, as the library writes it: a fixed
+    // value is compared in that form.
+    std::string CheckDefault(Document const& doc, CXmlElement const* node, SimpleType const& type,
+                             std::string const& text, bool fixed) const
     {
+        std::string const what = fixed ? "the fixed value [" : "the default value [";
+        if (type.IsEnum()) {
+            if (std::find(type.enumeration.begin(), type.enumeration.end(), text) == type.enumeration.end())
+                Fail(doc, node, what + text + "] is not in the enumeration");
+            return text;
+        }
         try {
             KdBind::KdVariant value;
             value.FromString(text, static_cast<KdBind::ItemType>(ItemTypeValue(type.itemType)),
                              WhitespaceRuleValue(type.whitespace));
+            KdBind::CXmlObjectHelper::CheckRestriction("the default value", value,
+                                                       static_cast<KdBind::ItemType>(ItemTypeValue(type.itemType)),
+                                                       Restrictions(type));
+            return value.ToString();
         } catch (KdBind::CKdException const& e) {
-            Fail(doc, node, "the default value [" + text + "] does not convert: " + e.GetFullMessage());
+            Fail(doc, node, what + text + "] does not convert or breaks a facet: " + e.GetFullMessage());
         }
+    }
+
+    static KdBind::CPrimitiveRestrictions Restrictions(SimpleType const& type)
+    {
+        return KdBind::CPrimitiveRestrictions(type.pattern, type.minLength, type.maxLength, type.minInclusive,
+                                              type.maxInclusive, type.minExclusive, type.maxExclusive, type.length);
     }
 
     // The type of a global element, built once however often the element is
@@ -1037,13 +1076,14 @@ private:
             Unsupported(doc, node, "an abstract element");
         if (GetAttribute(node, "substitutionGroup", value))
             Unsupported(doc, node, "a substitution group");
-        if (GetAttribute(node, "default", value) || GetAttribute(node, "fixed", value))
-            Unsupported(doc, node, "a default or fixed value of an element");
         if (AttributeOr(node, "nillable") == "true" || AttributeOr(node, "nillable") == "1")
             Unsupported(doc, node, "a nillable element");
         if (!m_globalElementsInProgress.insert(node).second)
             Fail(doc, node, "the element contains itself through its anonymous type");
         TypeRef const type = ReadTypeOf(doc, node, name, true);
+        // A reference reads the default or fixed value of a simple type.
+        if ((type.complex || type.untyped) && (GetAttribute(node, "default", value) || GetAttribute(node, "fixed", value)))
+            Unsupported(doc, node, "a default or fixed value of an element of a complex type");
         m_globalElementsInProgress.erase(node);
         m_globalElementTypes[node] = type;
         return type;

@@ -112,6 +112,13 @@ struct Particle {
     bool untyped = false;
     bool wildcard = false;  // xs:any: any name
     Wildcard any;
+    // A default or fixed value of a single element of simple type: what an
+    // empty element holds. A fixed value is also the only one it may hold;
+    // fixedText is its canonical text, as the library writes the value.
+    bool hasDefault = false;
+    bool fixed = false;
+    std::string defaultValue;
+    std::string fixedText;
     std::string property;  // C++ property name, unique in its class
 };
 
@@ -123,6 +130,10 @@ struct Attribute {
     std::string defaultValue;
     bool hasDefault = false;
     SimpleType simple;
+    // A fixed value is also the default, and the only value the attribute
+    // may hold; fixedText is its canonical text.
+    bool fixed = false;
+    std::string fixedText;
     bool wildcard = false;  // xs:anyAttribute: a CAttributeCol
     Wildcard any;
     std::string property;
