@@ -24,8 +24,9 @@ int Usage(char const* program)
                  "usage: %s --output-dir DIR [--main roundtrip] [--namespace URI=Cpp::Name]... [--umbrella NAME]\n"
                  "          SCHEMA.xsd...\n"
                  "Writes a header and a source file per target namespace into DIR; with --main roundtrip\n"
-                 "also DIR/roundtrip.cpp, a program that reads a document and writes it back; with\n"
-                 "--umbrella NAME also DIR/NAME.h and DIR/NAME.cpp, which include all the others.\n",
+                 "also DIR/roundtrip.cpp, a program that reads a document (text or Fast Infoset, compressed\n"
+                 "or not) and writes it back: roundtrip [--compact] [--fast-infoset] [--gzip | --zlib] [FILE];\n"
+                 "with --umbrella NAME also DIR/NAME.h and DIR/NAME.cpp, which include all the others.\n",
                  program);
     return 2;
 }
